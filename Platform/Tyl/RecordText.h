@@ -1,0 +1,81 @@
+#pragma once
+
+#include <concepts>
+#include <limits>
+#include <string>
+#include <string_view>
+
+#include "Tyl/Enumeration.h"
+#include "Tyl/TextReader.h"
+#include "Verda/Exception.h"
+#include "Verda/Export.h"
+#include "Verda/String.h"
+#include "Verda/Types.h"
+
+namespace Tyl {
+
+/// Writes the text form of a record of plain fields: `{first=true, second=7, third=string}`.
+/// Booleans are `true` and `false`, numbers decimal, enumerations by name.
+class VERDA_EXPORT RecordWriter {
+ public:
+  void field(std::string_view name, bool value) { write(name, value ? "true" : "false"); }
+
+  template <std::unsigned_integral Number>
+  void field(std::string_view name, Number value) {
+    write(name, std::to_string(value));
+  }
+
+  template <typename Enum>
+    requires std::is_enum_v<Enum>
+  void field(std::string_view name, Enum value) {
+    write(name, stringValue(value));
+  }
+
+  /// The record's text; call it once, behind the last field.
+  Verda::String text() const { return Verda::String("{" + fields_ + "}"); }
+
+ private:
+  void write(std::string_view name, std::string_view value);
+
+  std::string fields_;
+};
+
+/// Reads what `RecordWriter` writes, field by field in the same order. Every fault throws
+/// `Verda::RangeError`, naming the field.
+class VERDA_EXPORT RecordReader {
+ public:
+  /// `text` must outlive the reader.
+  explicit RecordReader(std::string_view text);
+
+  void field(std::string_view name, bool& value);
+
+  template <std::unsigned_integral Number>
+  void field(std::string_view name, Number& value) {
+    value = static_cast<Number>(number(name, std::numeric_limits<Number>::max()));
+  }
+
+  template <typename Enum>
+    requires std::is_enum_v<Enum>
+  void field(std::string_view name, Enum& value) {
+    begin(name);
+    try {
+      sequenceToValue(text_, value);
+    } catch (const Verda::RangeError& fault) {
+      fail(name, fault.what());
+    }
+  }
+
+  /// Ends the record; call it behind the last field.
+  void end();
+
+ private:
+  /// Reads up to and including the `=` of the field `name`.
+  void begin(std::string_view name);
+  Verda::U64 number(std::string_view name, Verda::U64 most);
+  [[noreturn]] static void fail(std::string_view name, std::string_view reason);
+
+  TextReader text_;
+  bool first_ = true;
+};
+
+}  // namespace Tyl

@@ -1,0 +1,43 @@
+#include "Tyl/TextReader.h"
+
+#include <algorithm>
+
+namespace Tyl {
+namespace {
+
+constexpr std::string_view whiteSpace = " \t\n\v\f\r";
+
+bool belongsToWord(char c) {
+  return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') || c == '_' ||
+         c == '-';
+}
+
+}  // namespace
+
+std::string_view TextReader::word() {
+  skipWhiteSpace();
+  const auto end = std::ranges::find_if_not(rest_, belongsToWord);
+  const std::string_view word(rest_.begin(), end);
+  rest_.remove_prefix(word.size());
+  return word;
+}
+
+bool TextReader::take(char mark) {
+  skipWhiteSpace();
+  if (rest_.empty() || rest_.front() != mark) {
+    return false;
+  }
+  rest_.remove_prefix(1);
+  return true;
+}
+
+bool TextReader::atEnd() {
+  skipWhiteSpace();
+  return rest_.empty();
+}
+
+void TextReader::skipWhiteSpace() {
+  rest_.remove_prefix(std::min(rest_.find_first_not_of(whiteSpace), rest_.size()));
+}
+
+}  // namespace Tyl

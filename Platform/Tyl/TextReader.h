@@ -1,0 +1,31 @@
+#pragma once
+
+#include <string_view>
+
+#include "Verda/Export.h"
+
+namespace Tyl {
+
+/// Reads the text forms of values from a range of characters, front to back. It keeps a view: the
+/// characters must outlive it.
+class VERDA_EXPORT TextReader {
+ public:
+  explicit TextReader(std::string_view text) : rest_(text) {}
+
+  /// The longest run of letters, digits, `_` and `-` that comes next, behind white space; empty
+  /// when something else comes.
+  std::string_view word();
+
+  /// Takes `mark` when it comes next, behind white space, and says whether it did.
+  bool take(char mark);
+
+  /// Whether nothing but white space is left.
+  bool atEnd();
+
+ private:
+  void skipWhiteSpace();
+
+  std::string_view rest_;
+};
+
+}  // namespace Tyl

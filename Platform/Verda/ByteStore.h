@@ -1,0 +1,109 @@
+#pragma once
+
+#include <algorithm>
+#include <array>
+#include <cstddef>
+#include <cstring>
+#include <limits>
+#include <memory>
+#include <span>
+#include <stdexcept>
+#include <utility>
+
+#include "Verda/Types.h"
+
+namespace Verda {
+
+/// The storage under `String` and `Bytes`: up to 4 GiB of bytes with a zero byte behind them that
+/// is not counted. Short contents live inside the object, so that a decoded attribute value of
+/// usual length is made, copied and moved without the heap.
+class ByteStore {
+ public:
+  /// The longest content that needs no heap.
+  static constexpr U32 inlineCapacity = 31;
+
+  ByteStore() = default;
+  ByteStore(const void* bytes, std::size_t size) { assign(bytes, size); }
+  ByteStore(const ByteStore& other) { assign(other.data(), other.size()); }
+  ByteStore(ByteStore&& other) noexcept { take(other); }
+  ~ByteStore() = default;
+
+  ByteStore& operator=(const ByteStore& other) {
+    if (this != &other) {
+      assign(other.data(), other.size());
+    }
+    return *this;
+  }
+  ByteStore& operator=(ByteStore&& other) noexcept {
+    if (this != &other) {
+      take(other);
+    }
+    return *this;
+  }
+
+  const U8* data() const { return heap_ ? heap_.get() : inline_.data(); }
+  U8* data() { return heap_ ? heap_.get() : inline_.data(); }
+  U32 size() const { return size_; }
+  std::span<const U8> span() const { return {data(), size_}; }
+
+  /// Replaces the content; `bytes` may lie inside the content itself.
+  void assign(const void* bytes, std::size_t size) {
+    if (size > capacity_) {
+      grow(size, 0);
+    }
+    if (size > 0) {
+      std::memmove(data(), bytes, size);
+    }
+    setSize(size);
+  }
+
+  /// Adds to the end; `bytes` may not lie inside the content itself.
+  void append(const void* bytes, std::size_t size) {
+    if (size > capacity_ - size_) {
+      grow(std::size_t{size_} + size, size_);
+    }
+    if (size > 0) {
+      std::memcpy(data() + size_, bytes, size);
+    }
+    setSize(size_ + size);
+  }
+
+ private:
+  static constexpr std::size_t maxSize = std::numeric_limits<U32>::max() - 1;
+
+  void setSize(std::size_t size) {
+    size_ = static_cast<U32>(size);
+    data()[size_] = 0;
+  }
+
+  /// Makes room for `size` bytes, at least doubling, and keeps the first `kept` ones.
+  void grow(std::size_t size, std::size_t kept) {
+    if (size > maxSize) {
+      throw std::length_error("a byte string is limited to 4 GiB");
+    }
+    const std::size_t capacity = std::min(maxSize, std::max(size, std::size_t{capacity_} * 2));
+    std::unique_ptr<U8[]> larger(new U8[capacity + 1]);
+    std::memcpy(larger.get(), data(), kept);
+    // Bytes inside the content are never more than its capacity, so `assign` grows only for bytes
+    // from elsewhere, and releasing the old storage here cannot take them away.
+    heap_ = std::move(larger);
+    capacity_ = static_cast<U32>(capacity);
+  }
+
+  void take(ByteStore& other) noexcept {
+    heap_ = std::move(other.heap_);
+    inline_ = other.inline_;
+    size_ = other.size_;
+    capacity_ = other.capacity_;
+    other.size_ = 0;
+    other.capacity_ = inlineCapacity;
+    other.inline_[0] = 0;
+  }
+
+  std::unique_ptr<U8[]> heap_;
+  U32 size_ = 0;
+  U32 capacity_ = inlineCapacity;
+  std::array<U8, inlineCapacity + 1> inline_{};
+};
+
+}  // namespace Verda

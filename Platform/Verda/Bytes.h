@@ -1,0 +1,45 @@
+#pragma once
+
+#include <algorithm>
+#include <initializer_list>
+#include <span>
+
+#include "Verda/ByteStore.h"
+#include "Verda/Types.h"
+
+namespace Verda {
+
+/// A run of bytes, owned. True when it is not empty.
+class Bytes {
+ public:
+  Bytes() = default;
+  Bytes(std::span<const U8> bytes) : store_(bytes.data(), bytes.size()) {}
+  Bytes(std::initializer_list<U8> bytes) : store_(bytes.begin(), bytes.size()) {}
+
+  U32 size() const { return store_.size(); }
+  bool empty() const { return size() == 0; }
+  explicit operator bool() const { return !empty(); }
+
+  const U8* data() const { return store_.data(); }
+  const U8* begin() const { return data(); }
+  const U8* end() const { return data() + size(); }
+  U8 operator[](U32 index) const { return data()[index]; }
+  std::span<const U8> span() const { return store_.span(); }
+
+  /// Copies from the front into `to`, as many bytes as there are here and room there, and returns
+  /// that number.
+  U32 copyTo(std::span<U8> to) const {
+    const auto count = static_cast<U32>(std::min<std::size_t>(size(), to.size()));
+    std::copy_n(data(), count, to.data());
+    return count;
+  }
+
+  friend bool operator==(const Bytes& left, const Bytes& right) {
+    return std::ranges::equal(left.span(), right.span());
+  }
+
+ private:
+  ByteStore store_;
+};
+
+}  // namespace Verda

@@ -1,0 +1,41 @@
+#pragma once
+
+#include "Verda/HashTable.h"
+
+namespace Verda {
+
+namespace detail {
+
+struct HashSetKey {
+  template <typename Key>
+  const Key& operator()(const Key& key) const {
+    return key;
+  }
+};
+
+}  // namespace detail
+
+/// A hash set. Iterating gives its members in no particular order.
+template <typename Key>
+class HashSet {
+ public:
+  std::size_t size() const { return table_.size(); }
+  bool empty() const { return table_.empty(); }
+  auto begin() const { return table_.begin(); }
+  auto end() const { return table_.end(); }
+
+  bool has(const Key& key) const { return table_.find(key) != nullptr; }
+
+  /// Inserts `key` unless it is present; returns the member, valid until the set changes.
+  const Key& insert(const Key& key) { return *table_.insert(key).first; }
+
+  /// Removes `key`; an absent one changes nothing.
+  void remove(const Key& key) { table_.remove(key); }
+
+  void clear() { table_.clear(); }
+
+ private:
+  HashTable<Key, detail::HashSetKey> table_;
+};
+
+}  // namespace Verda

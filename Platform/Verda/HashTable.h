@@ -1,0 +1,161 @@
+#pragma once
+
+#include <bit>
+#include <cstddef>
+#include <optional>
+#include <utility>
+#include <vector>
+
+#include "Verda/Hash.h"
+#include "Verda/Types.h"
+
+namespace Verda {
+
+/// The table under `HashMap` and `HashSet`: open addressing with linear probing in a power of two
+/// of slots, at most half of them used. An empty table holds no memory. No iteration order is
+/// promised; changing the table ends iterations and moves entries.
+///
+/// `KeyOf` is a function object that gives an entry's key.
+template <typename Entry, typename KeyOf>
+class HashTable {
+  using Slots = std::vector<std::optional<Entry>>;
+
+ public:
+  class Iterator {
+   public:
+    using value_type = Entry;
+    using difference_type = std::ptrdiff_t;
+
+    Iterator() = default;
+    Iterator(typename Slots::const_iterator at, typename Slots::const_iterator end)
+        : at_(at), end_(end) {
+      skipFree();
+    }
+
+    const Entry& operator*() const { return **at_; }
+    const Entry* operator->() const { return &**at_; }
+    Iterator& operator++() {
+      ++at_;
+      skipFree();
+      return *this;
+    }
+    Iterator operator++(int) {
+      Iterator before = *this;
+      ++*this;
+      return before;
+    }
+    bool operator==(const Iterator& other) const { return at_ == other.at_; }
+
+   private:
+    void skipFree() {
+      while (at_ != end_ && !at_->has_value()) {
+        ++at_;
+      }
+    }
+
+    typename Slots::const_iterator at_;
+    typename Slots::const_iterator end_;
+  };
+
+  std::size_t size() const { return size_; }
+  bool empty() const { return size_ == 0; }
+  Iterator begin() const { return {slots_.begin(), slots_.end()}; }
+  Iterator end() const { return {slots_.end(), slots_.end()}; }
+
+  /// The entry of `key`, or null.
+  template <typename Key>
+  const Entry* find(const Key& key) const {
+    if (size_ == 0) {
+      return nullptr;
+    }
+    const std::optional<Entry>& slot = slots_[slotOf(key)];
+    return slot.has_value() ? &*slot : nullptr;
+  }
+  template <typename Key>
+  Entry* find(const Key& key) {
+    return const_cast<Entry*>(std::as_const(*this).find(key));
+  }
+
+  /// Inserts `entry` unless its key is present; returns the entry that is in the table now, and
+  /// whether it is the new one.
+  std::pair<Entry*, bool> insert(Entry entry) {
+    if (Entry* present = find(KeyOf{}(entry))) {
+      return {present, false};
+    }
+    if ((size_ + 1) * 2 > slots_.size()) {
+      grow();
+    }
+    std::optional<Entry>& slot = slots_[slotOf(KeyOf{}(entry))];
+    slot.emplace(std::move(entry));
+    ++size_;
+    return {&*slot, true};
+  }
+
+  /// Removes the entry of `key` and returns it, or nothing when there is none.
+  template <typename Key>
+  std::optional<Entry> remove(const Key& key) {
+    if (size_ == 0) {
+      return std::nullopt;
+    }
+    std::size_t hole = slotOf(key);
+    std::optional<Entry> removed = std::exchange(slots_[hole], std::nullopt);
+    if (removed.has_value()) {
+      --size_;
+      closeHole(hole);
+    }
+    return removed;
+  }
+
+  void clear() {
+    slots_.clear();
+    size_ = 0;
+  }
+
+ private:
+  static constexpr U32 seed = 0x52414449;
+  static constexpr std::size_t firstSlots = 8;
+
+  std::size_t mask() const { return slots_.size() - 1; }
+
+  template <typename Key>
+  std::size_t homeOf(const Key& key) const {
+    return hashOf(key, seed) & mask();
+  }
+
+  /// The slot that holds `key`, or the free one where it belongs. There is always a free one.
+  template <typename Key>
+  std::size_t slotOf(const Key& key) const {
+    std::size_t at = homeOf(key);
+    while (slots_[at].has_value() && !(KeyOf{}(*slots_[at]) == key)) {
+      at = (at + 1) & mask();
+    }
+    return at;
+  }
+
+  void grow() {
+    Slots old(slots_.empty() ? firstSlots : slots_.size() * 2);
+    std::swap(old, slots_);
+    for (std::optional<Entry>& entry : old) {
+      if (entry.has_value()) {
+        slots_[slotOf(KeyOf{}(*entry))] = std::move(entry);
+      }
+    }
+  }
+
+  /// Moves the entries behind a freed slot up, so that no probe ends too early.
+  void closeHole(std::size_t hole) {
+    for (std::size_t at = (hole + 1) & mask(); slots_[at].has_value(); at = (at + 1) & mask()) {
+      const std::size_t home = homeOf(KeyOf{}(*slots_[at]));
+      const bool reachesOverHole = ((at - home) & mask()) >= ((at - hole) & mask());
+      if (reachesOverHole) {
+        slots_[hole] = std::exchange(slots_[at], std::nullopt);
+        hole = at;
+      }
+    }
+  }
+
+  Slots slots_;
+  std::size_t size_ = 0;
+};
+
+}  // namespace Verda

@@ -1,0 +1,15 @@
+#include "ZoCrypto/Cleanse.h"
+
+#include <openssl/crypto.h>
+
+namespace ZoCrypto {
+
+void cleanse(std::span<Verda::U8> bytes) {
+  OPENSSL_cleanse(bytes.data(), bytes.size());
+}
+
+bool equalInConstantTime(std::span<const Verda::U8> left, std::span<const Verda::U8> right) {
+  return left.size() == right.size() && CRYPTO_memcmp(left.data(), right.data(), left.size()) == 0;
+}
+
+}  // namespace ZoCrypto

@@ -1,0 +1,71 @@
+#pragma once
+
+#include <memory>
+#include <span>
+
+#include "Tyl/Entity.h"
+#include "Verda/Export.h"
+#include "Verda/Ptr.h"
+#include "Verda/Types.h"
+
+/// The networking library: packets, addresses, and reading and writing bytes in network order.
+namespace Zonet {
+
+using Verda::U16;
+using Verda::U32;
+using Verda::U64;
+using Verda::U8;
+
+/// The storage of a packet: a fixed block of bytes of which the front part counts.
+class VERDA_EXPORT PktBuffer : public Verda::Node {
+  TYL_ENTITY(PktBuffer)
+
+ public:
+  /// `bytes` zero bytes.
+  explicit PktBuffer(U32 bytes);
+  /// A copy of `content`.
+  explicit PktBuffer(std::span<const U8> content);
+
+  U32 bytes() const { return bytes_; }
+  U8* data() { return storage_.get(); }
+  const U8* data() const { return storage_.get(); }
+
+  /// Cuts `count` bytes off the end, or all there are when there are fewer.
+  void tailCut(U32 count) { bytes_ -= count < bytes_ ? count : bytes_; }
+
+ private:
+  std::unique_ptr<U8[]> storage_;
+  U32 bytes_;
+};
+
+/// A packet over a shared buffer. The operations that work in a packet, even those that put the
+/// bytes back, change its buffer while they run: a packet belongs to one call at a time.
+class VERDA_EXPORT Pkt : public Verda::Node {
+  TYL_ENTITY(Pkt)
+
+ public:
+  /// A packet over `buffer`, which must not be null; the buffer is shared, not copied.
+  explicit Pkt(Verda::Ptr<PktBuffer> buffer);
+  /// A packet of `bytes` zero bytes in a buffer of its own.
+  explicit Pkt(U32 bytes);
+  /// A packet holding a copy of `content`.
+  explicit Pkt(std::span<const U8> content);
+
+  /// How many bytes the packet has.
+  U32 bytes() const { return buffer_->bytes(); }
+  U8* data() { return buffer_->data(); }
+  const U8* data() const { return std::as_const(*buffer_).data(); }
+  std::span<U8> span() { return {data(), bytes()}; }
+  std::span<const U8> span() const { return {data(), bytes()}; }
+
+  /// Cuts `count` bytes off the end, or all there are when there are fewer.
+  void tailCut(U32 count) { buffer_->tailCut(count); }
+
+ private:
+  Verda::Ptr<PktBuffer> buffer_;
+};
+
+TYL_FACTORY(pktBufferFactory, PktBuffer)
+TYL_FACTORY(pktFactory, Pkt)
+
+}  // namespace Zonet

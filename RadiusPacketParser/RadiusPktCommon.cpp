@@ -1,0 +1,514 @@
+#include "RadiusPacketParser/RadiusPktCommon.h"
+
+#include <algorithm>
+#include <array>
+#include <functional>
+#include <initializer_list>
+#include <string_view>
+
+#include "Verda/Assert.h"
+#include "Verda/Trace.h"
+#include "ZoCrypto/Cleanse.h"
+#include "ZoCrypto/HmacMd5.h"
+#include "ZoCrypto/MessageDigest.h"
+
+#include "RadiusPacketParser/RadiusPacketConstants.h"
+
+namespace RadiusPktParserBase {
+
+using RadiusPacketParser::AttributeConstants;
+using RadiusPacketParser::PacketConstants;
+using RadiusPacketParser::RadiusAttributeId;
+using RadiusPacketParser::RadiusCode;
+using RadiusPacketParser::RadiusDict;
+using RadiusPacketParser::VsaConstants;
+using Verda::Bytes;
+using Verda::Ptr;
+using Verda::String;
+using Verda::U16;
+using Verda::U32;
+using Verda::U8;
+
+namespace {
+
+using ByteView = std::span<const U8>;
+using Digest = std::array<U8, PacketConstants::authLength()>;
+
+constexpr Digest zeroAuthenticator{};
+
+/// The part of a shared secret that counts.
+ByteView secretBytes(const String& secret) {
+  return secret.bytes().first(secret.viewToNul().size());
+}
+
+/// Copies as many of an authenticator's bytes as there are into a 16-byte place, and returns how
+/// many.
+U32 copyAuthenticator(ByteView from, U8* to) {
+  const std::size_t count = std::min<std::size_t>(from.size(), PacketConstants::authLength());
+  std::copy_n(from.data(), count, to);
+  return static_cast<U32>(count);
+}
+
+/// Whether an authenticator gives all the bytes that one has; traces when it does not.
+bool isWholeAuthenticator(ByteView authenticator, std::string_view function) {
+  const auto copied = static_cast<U32>(
+      std::min<std::size_t>(authenticator.size(), PacketConstants::authLength()));
+  if (copied != PacketConstants::authLength()) {
+    VERDA_TRACE_AS(codecTrace, Verda::traceErrors, "", function,
+                   "Mismatch in bytes copied: {}, expected: {}", copied,
+                   PacketConstants::authLength());
+    return false;
+  }
+  return true;
+}
+
+/// The MD5 of several parts as if they stood one behind the other: nothing is put together first.
+ErrorMsg md5Of(std::initializer_list<ByteView> parts, U8* digest) {
+  ZoCrypto::MdContext context;
+  ZoCrypto::md_init(context, ZoCrypto::md_find("md5"));
+  for (const ByteView part : parts) {
+    ZoCrypto::md_update(context, part.data(), part.size());
+  }
+  U32 digestLength = 0;
+  ZoCrypto::md_final(context, digest, &digestLength);
+  if (digestLength != PacketConstants::authLength()) {
+    // The context is left unreleased on purpose: a failed digest has nothing to release.
+    VERDA_TRACE_AS(codecTrace, Verda::traceErrors, "", "md5Calculator",
+                   "MD5 digest of incorrect length: {}", digestLength);
+    return ErrorMsg::md5GenerationFailed;
+  }
+  ZoCrypto::md_cleanup(context);
+  return ErrorMsg::success;
+}
+
+/// The MD5 over a packet with another authenticator in place, and the secret.
+/// @param packet  at least a header
+ErrorMsg packetDigest(ByteView packet, ByteView authenticator, const String& secret, U8* digest) {
+  return md5Of({packet.first(PacketConstants::authenticatorOffset()), authenticator,
+                packet.subspan(PacketConstants::headerLength()), secretBytes(secret)},
+               digest);
+}
+
+bool isPlainRequest(U8 code) {
+  return code == RadiusCode::ACCESS_REQUEST || code == RadiusCode::STATUS_SERVER;
+}
+
+/// Puts a digest into packet and header as their authenticator.
+void setAuthenticator(const Digest& digest, U8* pktData, RadiusHdr& hdr) {
+  std::ranges::copy(digest, pktData + PacketConstants::authenticatorOffset());
+  hdr.authenticatorIs(String(ByteView(digest)));
+}
+
+constexpr U32 msgAuthAttrLength =
+    AttributeConstants::valueOffset() + AttributeConstants::msgAuthLength();
+
+/// Whether a packet's buffer holds all that its header says, and a header at the least.
+bool holdsPacket(const Ptr<Zonet::Pkt>& pkt, const RadiusHdr& hdr) {
+  return pkt && hdr.length() >= PacketConstants::headerLength() && hdr.length() <= pkt->bytes();
+}
+
+/// Whether a whole Message-Authenticator attribute lies among the packet's attributes at `attr`.
+bool liesInPacket(const U8* attr, const U8* pktData, U32 length) {
+  const std::less<const U8*> before;
+  return length >= PacketConstants::headerLength() + msgAuthAttrLength &&
+         !before(attr, pktData + PacketConstants::headerLength()) &&
+         !before(pktData + (length - msgAuthAttrLength), attr);
+}
+
+/// Keeps sixteen bytes of a packet and puts them back when the scope ends, on every way out.
+class RestoreOnExit {
+ public:
+  explicit RestoreOnExit(U8* place) : place_(place) {
+    std::copy_n(place, saved_.size(), saved_.data());
+  }
+  RestoreOnExit(const RestoreOnExit&) = delete;
+  RestoreOnExit& operator=(const RestoreOnExit&) = delete;
+  ~RestoreOnExit() { std::ranges::copy(saved_, place_); }
+
+ private:
+  U8* place_;
+  Digest saved_;
+};
+
+/// The authenticator under which a packet's values are hidden.
+Bytes hidingAuthenticator(const RadiusHdr& hdr, const Bytes& reqAuth) {
+  return isRequest(hdr.code()) ? Bytes(hdr.authenticator().bytes()) : reqAuth;
+}
+
+bool isHidden(const AttrInfo& attrInfo) {
+  return attrInfo.encryptionType == userPasswordMethod || attrInfo.encryptionType == saltedMethod;
+}
+
+/// Hides or reveals the value of the type-length-value unit at `unit`.
+ErrorMsg transformUnit(U8* unit, const String& secret, const Bytes& reqAuth, const RadiusHdr& hdr,
+                       const AttrInfo& attrInfo, bool encrypt) {
+  const U8 length = unit[AttributeConstants::lengthOffset()];
+  if (length < AttributeConstants::valueOffset()) {
+    return ErrorMsg::success;
+  }
+  return encryptHelper(unit + AttributeConstants::valueOffset(),
+                       U32{length} - AttributeConstants::valueOffset(), secret,
+                       hidingAuthenticator(hdr, reqAuth), attrInfo.encryptionType,
+                       attrInfo.isTagged, encrypt);
+}
+
+AttrInfo infoOf(const RadiusPacketParser::RadiusNode& entry) {
+  AttrInfo info;
+  info.isConcat = entry.concat();
+  info.isTagged = entry.hasTag();
+  info.isInDict = true;
+  info.encryptionType = entry.attributeEncryptionType();
+  info.attributeType = entry.attributeType();
+  return info;
+}
+
+AttrInfo missing(ErrorMsg errorMsg) {
+  AttrInfo info;
+  info.errorMsg = errorMsg;
+  return info;
+}
+
+}  // namespace
+
+AttributeCursor::Step AttributeCursor::next() {
+  remaining_ = rest_.size();
+  if (rest_.empty()) {
+    return Step::end;
+  }
+  type_ = rest_[AttributeConstants::typeOffset()];
+  if (rest_.size() < AttributeConstants::valueOffset()) {
+    return Step::loneByte;
+  }
+  length_ = rest_[AttributeConstants::lengthOffset()];
+  if (length_ < AttributeConstants::valueOffset() || length_ > rest_.size()) {
+    return Step::badLength;
+  }
+  current_ = rest_.first(length_);
+  rest_ = rest_.subspan(length_);
+  return Step::attribute;
+}
+
+bool isRequest(U8 code) {
+  switch (code) {
+    case RadiusCode::ACCESS_REQUEST:
+    case RadiusCode::ACCOUNTING_REQUEST:
+    case RadiusCode::STATUS_SERVER:
+    case RadiusCode::DISCONNECT_REQUEST:
+    case RadiusCode::COA_REQUEST:
+      return true;
+    default:
+      return false;
+  }
+}
+
+bool canAnswer(U8 response, U8 request) {
+  switch (request) {
+    case RadiusCode::ACCESS_REQUEST:
+      return response == RadiusCode::ACCESS_ACCEPT || response == RadiusCode::ACCESS_REJECT ||
+             response == RadiusCode::ACCESS_CHALLENGE;
+    case RadiusCode::STATUS_SERVER:
+      return response == RadiusCode::ACCESS_ACCEPT || response == RadiusCode::ACCOUNTING_RESPONSE;
+    case RadiusCode::ACCOUNTING_REQUEST:
+      return response == RadiusCode::ACCOUNTING_RESPONSE;
+    case RadiusCode::DISCONNECT_REQUEST:
+      return response == RadiusCode::DISCONNECT_ACK || response == RadiusCode::DISCONNECT_NAK;
+    case RadiusCode::COA_REQUEST:
+      return response == RadiusCode::COA_ACK || response == RadiusCode::COA_NAK;
+    default:
+      return false;
+  }
+}
+
+AttrInfo getAttrInfo(Attribute attribute, const Ptr<const RadiusDict>& dict) {
+  VERDA_TRACE(codecTrace, Verda::traceEntries, "", "entry");
+  VERDA_ASSERT(dict);
+  if (attribute.attrId != RadiusAttributeId::VENDOR_SPECIFIC) {
+    const auto* entry = dict->radiusAttribute().find(attribute.attrId);
+    if (entry == nullptr) {
+      VERDA_TRACE(codecTrace, Verda::traceErrors, "",
+                  "Missing attribute: {} from radius dictionary", attribute.attrId);
+      return missing(ErrorMsg::invalidAttrId);
+    }
+    return infoOf(**entry);
+  }
+  const auto* vendor = dict->vendorAttribute().find(attribute.vendorId);
+  if (vendor == nullptr) {
+    VERDA_TRACE(codecTrace, Verda::traceErrors, "", "Unsupported vendorId: {}",
+                attribute.vendorId);
+    return missing(ErrorMsg::invalidVendorId);
+  }
+  const auto* entry = (*vendor)->vendorNodeDict().find(attribute.vendorAttrId);
+  if (entry == nullptr) {
+    VERDA_TRACE(codecTrace, Verda::traceErrors, "",
+                "Unsupported vendorAttrId: {} for vendorId: {}", attribute.vendorAttrId,
+                attribute.vendorId);
+    return missing(ErrorMsg::invalidVendorAttrId);
+  }
+  return infoOf(**entry);
+}
+
+ErrorMsg md5Calculator(const U8* data, U32 len, U8* digest) {
+  VERDA_TRACE(codecTrace, Verda::traceEntries, "", "entry");
+  return md5Of({ByteView(data, len)}, digest);
+}
+
+ErrorMsg calculateMessageAuthenticator(const String& secret, U8* savedValue, U8* digest,
+                                       U8* pktData, U8* msgAuthAttr, U32 pktLen) {
+  VERDA_TRACE(codecTrace, Verda::traceEntries, "", "entry");
+  U8* const value = msgAuthAttr + AttributeConstants::valueOffset();
+  constexpr U32 length = AttributeConstants::msgAuthLength();
+  if (savedValue != nullptr) {
+    std::copy_n(value, length, savedValue);
+  }
+  std::fill_n(value, length, U8{0});
+  U32 digestLength = 0;
+  const bool computed = ZoCrypto::hmacMd5(secretBytes(secret), ByteView(pktData, pktLen),
+                                          std::span<U8, length>(digest, length), digestLength);
+  if (!computed || digestLength != length) {
+    VERDA_TRACE(codecTrace, Verda::traceErrors, "", "MD5 generation failed, digestLen: {}",
+                digestLength);
+    return ErrorMsg::md5GenerationFailed;
+  }
+  if (savedValue != nullptr) {
+    std::copy_n(savedValue, length, value);
+  }
+  return ErrorMsg::success;
+}
+
+ErrorMsg setRequestAuthenticator(const String& secret, U8* pktData, const Ptr<RadiusHdr>& hdr) {
+  VERDA_TRACE(codecTrace, Verda::traceEntries, "", "entry");
+  if (isPlainRequest(hdr->code())) {
+    return ErrorMsg::success;
+  }
+  VERDA_ASSERT(hdr->length() >= PacketConstants::headerLength());
+  Digest digest;
+  const ErrorMsg result =
+      packetDigest(ByteView(pktData, hdr->length()), zeroAuthenticator, secret, digest.data());
+  if (result == ErrorMsg::success) {
+    setAuthenticator(digest, pktData, *hdr);
+  }
+  return result;
+}
+
+ErrorMsg setResponseAuthenticator(const String& secret, const Bytes& reqAuth, U8* pktData,
+                                  const Ptr<RadiusHdr>& hdr) {
+  VERDA_TRACE(codecTrace, Verda::traceEntries, "", "entry");
+  VERDA_ASSERT(hdr->length() >= PacketConstants::headerLength());
+  U8* const authenticator = pktData + PacketConstants::authenticatorOffset();
+  copyAuthenticator(reqAuth.span(), authenticator);
+  Digest digest;
+  const ErrorMsg result =
+      md5Of({ByteView(pktData, hdr->length()), secretBytes(secret)}, digest.data());
+  if (result == ErrorMsg::success) {
+    setAuthenticator(digest, pktData, *hdr);
+  }
+  return result;
+}
+
+ErrorMsg validateAuthenticator(const Ptr<Zonet::Pkt>& pkt, const Ptr<RadiusHdr>& hdr,
+                               const String& secret, const Bytes& reqAuth) {
+  VERDA_TRACE(codecTrace, Verda::traceEntries, "", "entry");
+  if (isPlainRequest(hdr->code())) {
+    return ErrorMsg::success;
+  }
+  if (!holdsPacket(pkt, *hdr)) {
+    return ErrorMsg::invalidPktAuth;
+  }
+  if (!reqAuth.empty() && !isWholeAuthenticator(reqAuth.span(), __func__)) {
+    return ErrorMsg::invalidBytesCopied;
+  }
+  const ByteView authenticator = reqAuth.empty()
+                                     ? ByteView(zeroAuthenticator)
+                                     : reqAuth.span().first(PacketConstants::authLength());
+  Digest digest;
+  const ErrorMsg result = packetDigest(std::as_const(*pkt).span().first(hdr->length()),
+                                       authenticator, secret, digest.data());
+  if (result != ErrorMsg::success) {
+    return result;
+  }
+  return ZoCrypto::equalInConstantTime(digest, hdr->authenticator().bytes())
+             ? ErrorMsg::success
+             : ErrorMsg::invalidPktAuth;
+}
+
+ErrorMsg setMessageAuthenticator(U8* pktData, U8* msgAuthAttr, const String& secret,
+                                 const Bytes& reqAuth, const Ptr<RadiusHdr>& hdr) {
+  VERDA_TRACE(codecTrace, Verda::traceEntries, "", "entry");
+  U8* const authenticator = pktData + PacketConstants::authenticatorOffset();
+  if (isPlainRequest(hdr->code())) {
+    VERDA_ASSERT_TEXT(reqAuth.empty(),
+                      "Request authenticator found not NULL for request packet");
+  } else {
+    std::ranges::copy(zeroAuthenticator, authenticator);
+  }
+  if (!reqAuth.empty()) {
+    copyAuthenticator(reqAuth.span(), authenticator);
+    if (!isWholeAuthenticator(reqAuth.span(), __func__)) {
+      return ErrorMsg::invalidBytesCopied;
+    }
+  }
+  Digest digest;
+  const ErrorMsg result = calculateMessageAuthenticator(secret, nullptr, digest.data(), pktData,
+                                                        msgAuthAttr, hdr->length());
+  if (result == ErrorMsg::success) {
+    std::ranges::copy(digest, msgAuthAttr + AttributeConstants::valueOffset());
+  }
+  return result;
+}
+
+namespace {
+
+/// Compares a packet's Message-Authenticator with the computed one. The packet's authenticator bytes
+/// are already what the computation covers.
+ErrorMsg compareMessageAuthenticator(Zonet::Pkt& pkt, const RadiusHdr& hdr, const String& secret,
+                                     U8* msgAuthAttr, bool authenticatorReplaced) {
+  const RestoreOnExit value(msgAuthAttr + AttributeConstants::valueOffset());
+  Digest received;
+  Digest computed;
+  const ErrorMsg result = calculateMessageAuthenticator(secret, received.data(), computed.data(),
+                                                        pkt.data(), msgAuthAttr, hdr.length());
+  if (authenticatorReplaced &&
+      !isWholeAuthenticator(hdr.authenticator().bytes(), "validateMessageAuthenticator")) {
+    return ErrorMsg::invalidBytesCopied;
+  }
+  if (result != ErrorMsg::success) {
+    return result;
+  }
+  return ZoCrypto::equalInConstantTime(computed, received) ? ErrorMsg::success
+                                                           : ErrorMsg::invalidMsgAuth;
+}
+
+}  // namespace
+
+ErrorMsg validateMessageAuthenticator(const Ptr<Zonet::Pkt>& pkt, const Ptr<RadiusHdr>& hdr,
+                                      const String& secret, const Bytes& reqAuth,
+                                      U8* msgAuthAttr) {
+  VERDA_TRACE(codecTrace, Verda::traceEntries, "", "entry");
+  switch (hdr->code()) {
+    case RadiusCode::ACCOUNTING_REQUEST:
+    case RadiusCode::ACCOUNTING_RESPONSE:
+      return ErrorMsg::success;
+    case RadiusCode::ACCESS_ACCEPT:
+    case RadiusCode::ACCESS_REJECT:
+    case RadiusCode::ACCESS_CHALLENGE:
+    case RadiusCode::DISCONNECT_ACK:
+    case RadiusCode::DISCONNECT_NAK:
+    case RadiusCode::COA_ACK:
+    case RadiusCode::COA_NAK:
+      VERDA_ASSERT_TEXT(!reqAuth.empty(), "Request authenticator found NULL for response packet");
+      break;
+    case RadiusCode::ACCESS_REQUEST:
+    case RadiusCode::STATUS_SERVER:
+    case RadiusCode::DISCONNECT_REQUEST:
+    case RadiusCode::COA_REQUEST:
+      VERDA_ASSERT_TEXT(reqAuth.empty(),
+                        "Request authenticator found not NULL for request packet");
+      break;
+    default:
+      return ErrorMsg::unsupportedPktType;
+  }
+  if (!holdsPacket(pkt, *hdr) || !liesInPacket(msgAuthAttr, pkt->data(), hdr->length())) {
+    return ErrorMsg::invalidMsgAuth;
+  }
+  if (isPlainRequest(hdr->code())) {
+    return compareMessageAuthenticator(*pkt, *hdr, secret, msgAuthAttr, false);
+  }
+  if (!reqAuth.empty() && !isWholeAuthenticator(reqAuth.span(), __func__)) {
+    return ErrorMsg::invalidBytesCopied;
+  }
+  U8* const authenticator = pkt->data() + PacketConstants::authenticatorOffset();
+  const RestoreOnExit received(authenticator);
+  copyAuthenticator(reqAuth.empty() ? ByteView(zeroAuthenticator) : reqAuth.span(), authenticator);
+  return compareMessageAuthenticator(*pkt, *hdr, secret, msgAuthAttr, true);
+}
+
+ErrorMsg encryptHelper(U8* data, U32 len, const String& secret, const Bytes& authenticator,
+                       U8 encryptionType, bool isTagged, bool encrypt) {
+  VERDA_TRACE(codecTrace, Verda::traceEntries, "", "entry");
+  const U32 tagLength = isTagged ? 1 : 0;
+  const U32 saltLength = encryptionType == saltedMethod ? AttributeConstants::saltLength() : 0;
+  if (len < tagLength + saltLength) {
+    return ErrorMsg::success;
+  }
+  const ByteView salt(data + tagLength, saltLength);
+  std::span<U8> rest = std::span<U8>(data, len).subspan(tagLength + saltLength);
+  if (!isWholeAuthenticator(authenticator.span(), __func__)) {
+    return ErrorMsg::invalidBytesCopied;
+  }
+  const ByteView sharedSecret = secretBytes(secret);
+  Digest keystream;
+  const ZoCrypto::CleanseOnExit cleanKeystream(keystream);
+  ErrorMsg result = md5Of(
+      {sharedSecret, authenticator.span().first(PacketConstants::authLength()), salt},
+      keystream.data());
+  while (result == ErrorMsg::success && !rest.empty()) {
+    const std::size_t count =
+        std::min<std::size_t>(rest.size(), AttributeConstants::passwdWordSize());
+    Digest hidden{};  // a short last block counts as filled up with zeros
+    for (std::size_t at = 0; at < count; ++at) {
+      const auto transformed = static_cast<U8>(rest[at] ^ keystream[at]);
+      hidden[at] = encrypt ? transformed : rest[at];
+      rest[at] = transformed;
+    }
+    rest = rest.subspan(count);
+    if (!rest.empty()) {
+      result = md5Of({sharedSecret, hidden}, keystream.data());
+    }
+  }
+  return result;
+}
+
+ErrorMsg encryptAttribute(Attribute attribute, U8* attrPtr, const String& secret,
+                          const Bytes& reqAuth, const Ptr<RadiusHdr>& hdr, AttrInfo attrInfo,
+                          const Ptr<const RadiusDict>& /*dict*/) {
+  VERDA_TRACE(codecTrace, Verda::traceEntries, "", "entry");
+  if (isRequest(hdr->code())) {
+    VERDA_ASSERT_TEXT(reqAuth.empty(),
+                      "Request authenticator found not NULL for request packet");
+  } else {
+    VERDA_ASSERT_TEXT(!reqAuth.empty(), "Request authenticator found NULL for response packet");
+  }
+  if (!isHidden(attrInfo)) {
+    return ErrorMsg::success;
+  }
+  const bool isVendor = attribute.attrId == RadiusAttributeId::VENDOR_SPECIFIC;
+  U8* const unit = isVendor ? attrPtr + VsaConstants::vendorTypeOffset() : attrPtr;
+  return transformUnit(unit, secret, reqAuth, *hdr, attrInfo, true);
+}
+
+ErrorMsg decryptAttribute(Attribute attribute, U8* attrPtr, const String& secret,
+                          const Bytes& reqAuth, const Ptr<RadiusHdr>& hdr, AttrInfo attrInfo,
+                          const Ptr<const RadiusDict>& /*dict*/) {
+  VERDA_TRACE(codecTrace, Verda::traceEntries, "", "entry");
+  if (isRequest(hdr->code())) {
+    VERDA_ASSERT_TEXT(reqAuth.empty(), "Request authenticator not NULL for request packet");
+  } else {
+    VERDA_ASSERT_TEXT(!reqAuth.empty(), "Request authenticator NULL for response packet");
+  }
+  if (!attrInfo.isInDict) {
+    VERDA_TRACE(codecTrace, Verda::traceErrors, "",
+                "Unknown Attribute, attrId: {}, vendorId: {}, vendorAttrId: {}", attribute.attrId,
+                attribute.vendorId, attribute.vendorAttrId);
+    return ErrorMsg::success;
+  }
+  if (!isHidden(attrInfo)) {
+    return ErrorMsg::success;
+  }
+  return transformUnit(attrPtr, secret, reqAuth, *hdr, attrInfo, false);
+}
+
+Ptr<PktReturn> invalidPkt(ErrorMsg errorMsg) {
+  VERDA_TRACE(codecTrace, Verda::traceEntries, "", "entry");
+  Ptr<PktReturn> result = pktReturnFactory(nullptr);
+  result->errorMsgIs(errorMsg);
+  return result;
+}
+
+Ptr<RadiusHdrReturn> invalidHdr(ErrorMsg errorMsg) {
+  VERDA_TRACE(codecTrace, Verda::traceEntries, "", "entry");
+  Ptr<RadiusHdrReturn> result = radiusHdrReturnFactory(nullptr);
+  result->errorMsgIs(errorMsg);
+  return result;
+}
+
+}  // namespace RadiusPktParserBase

@@ -1,0 +1,231 @@
+#pragma once
+
+#include <compare>
+#include <ostream>
+#include <variant>
+#include <vector>
+
+#include "Tyl/Accessors.h"
+#include "Tyl/Entity.h"
+#include "Tyl/Enumeration.h"
+#include "Verda/Bytes.h"
+#include "Verda/Export.h"
+#include "Verda/Ptr.h"
+#include "Verda/String.h"
+#include "Verda/Trace.h"
+#include "Verda/Types.h"
+#include "Zonet/IpGenPrefix.h"
+#include "Zonet/Pkt.h"
+
+#include "RadiusPacketParser/RadiusDictionaryParser.h"
+
+/// The codec: parses received packets and builds those to send. Every outcome is an `ErrorMsg`;
+/// nothing here throws for a bad packet. What a caller does wrong (a Request Authenticator given for
+/// a request, none for a response) fails an assertion, which ends the process.
+namespace RadiusPktParserBase {
+
+/// Why an operation failed, or `success`.
+#define RADIUS_ERROR_MSG_LIST(X)       \
+  X(success, 0)                        \
+  X(invalidPktPtr, 1)                  \
+  X(invalidPktAuth, 2)                 \
+  X(invalidMsgAuth, 3)                 \
+  X(invalidPktLength, 4)               \
+  X(invalidAttrId, 5)                  \
+  X(invalidAttrLength, 6)              \
+  X(invalidAttrDataType, 7)            \
+  X(invalidVendorId, 8)                \
+  X(invalidVendorAttrId, 9)            \
+  X(invalidVendorAttrDataType, 10)     \
+  X(unknownAttrDataType, 11)           \
+  X(maxPktLengthExceeded, 12)          \
+  X(concatAttrNotConsecutive, 13)      \
+  X(pktAuthGenerationFailed, 14)       \
+  X(md5GenerationFailed, 15)           \
+  X(invalidBytesCopied, 16)            \
+  X(unsupportedPktType, 17)            \
+  X(pktTypeDoesNotSupportMsgAuth, 18)  \
+  X(missingRequiredMsgAuth, 19)        \
+  X(tagByteMissing, 20)
+
+TYL_ENUMERATION(ErrorMsg, ::Verda::U8, RADIUS_ERROR_MSG_LIST)
+
+/// Which attribute: a standard one, or the sub-attribute of a vendor. `attrId` 26 alone says that
+/// it is a vendor's.
+struct VERDA_EXPORT Attribute {
+  Verda::U32 vendorId = 0;     ///< the vendor's enterprise number; 0 for a standard attribute
+  Verda::U8 attrId = 0;        ///< the attribute's type; 26 for a vendor attribute
+  Verda::U8 vendorAttrId = 0;  ///< the vendor type; 0 for a standard attribute
+
+  auto operator<=>(const Attribute&) const = default;
+
+  /// Mixes all three fields with a collection's seed.
+  Verda::U32 hash(Verda::U32 seed) const;
+};
+
+/// The key of a standard attribute.
+constexpr Attribute standardAttribute(Verda::U8 attrId) {
+  return {.vendorId = 0, .attrId = attrId, .vendorAttrId = 0};
+}
+
+/// The key of a vendor's sub-attribute.
+VERDA_EXPORT Attribute vendorAttribute(Verda::U32 vendorId, Verda::U8 vendorAttrId);
+
+/// The value of a tagged `string` attribute (RFC 2868). The parser delivers the tag byte as the first
+/// byte of `str` and leaves `tag` 0; `separateTag` takes them apart.
+struct VERDA_EXPORT TaggedStr {
+  Verda::String str;
+  Verda::U8 tag = 0;
+
+  /// Called on each value that the parser has made; has no effect.
+  void handleTaggedStr();
+
+  bool operator==(const TaggedStr&) const = default;
+};
+
+/// The value of a tagged `integer` attribute (RFC 2868). The parser delivers all 32 bits in `value`,
+/// the tag in the highest eight, and leaves `tag` 0; `separateTag` takes them apart.
+struct VERDA_EXPORT TaggedInt {
+  Verda::U32 value = 0;
+  Verda::U8 tag = 0;
+
+  /// Called on each value that the parser has made; has no effect.
+  void handleTaggedInt();
+
+  bool operator==(const TaggedInt&) const = default;
+};
+
+/// Tag and text of a value as the parser delivers it: the first byte becomes `tag`, the others
+/// `str`. An empty value stays as it is.
+VERDA_EXPORT TaggedStr separateTag(const TaggedStr& delivered);
+
+/// Tag and number of a value as the parser delivers it: the highest eight bits become `tag`, the low
+/// 24 `value`.
+VERDA_EXPORT TaggedInt separateTag(const TaggedInt& delivered);
+
+/// The value of an attribute. The alternative follows from the dictionary's data type:
+/// 0 `string`; 1 tagged `string`; 2 `integer` or `date`; 3 tagged `integer`; 4 `integer64` (the eight
+/// wire bytes in host memory order); 5 `ipaddr`, `ipv6addr`, `ipv6prefix` and `ifid`; 6 `octets`
+/// and attributes of no known type.
+using AttrValue = std::variant<Verda::String, TaggedStr, unsigned int, TaggedInt, unsigned long,
+                               Zonet::IpGenPrefix, Verda::Bytes>;
+
+/// What the dictionary says of one attribute.
+struct VERDA_EXPORT AttrInfo {
+  bool isConcat = false;               ///< long values are split over consecutive attributes
+  bool isTagged = false;               ///< the value carries a leading tag byte
+  bool isInDict = false;               ///< when false, all else but `errorMsg` is zero
+  Verda::U8 encryptionType = 0;        ///< 0 not hidden, 1 User-Password method, 2 salted method
+  RadiusPacketParser::RadiusAttributeType::RadiusAttributeTypeEnum attributeType =
+      RadiusPacketParser::RadiusAttributeType::unknown;
+  ErrorMsg errorMsg = ErrorMsg::success;  ///< why the lookup failed
+
+  AttrInfo() = default;
+
+  /// Reads the text form. Throws `Verda::RangeError`, naming the field, when it is not one.
+  explicit AttrInfo(const Verda::String& text);
+
+  /// The record text form: all six fields under their names, in declared order.
+  Verda::String text() const;
+
+  bool operator==(const AttrInfo&) const = default;
+};
+
+VERDA_EXPORT std::ostream& operator<<(std::ostream& out, const AttrInfo& attrInfo);
+
+/// A packet header, decoded or to be built.
+class VERDA_EXPORT RadiusHdr : public Verda::Node {
+  TYL_ENTITY(RadiusHdr)
+
+ public:
+  RadiusHdr() = default;
+
+  /// The packet's code.
+  TYL_ATTRIBUTE(Verda::U8, code, 0)
+  /// The identifier that a response shares with its request.
+  TYL_ATTRIBUTE(Verda::U8, id, 0)
+  /// The length of the whole packet in bytes.
+  TYL_ATTRIBUTE(Verda::U16, length, 0)
+  /// The 16 authenticator bytes; empty while they are not known.
+  TYL_ATTRIBUTE(Verda::String, authenticator, {})
+};
+
+/// One attribute with its values in order.
+class VERDA_EXPORT AttrWithValue : public Verda::Node {
+  TYL_ENTITY(AttrWithValue)
+
+ public:
+  explicit AttrWithValue(const Attribute& attribute) : attribute_(attribute) {}
+
+  TYL_FIXED_ATTRIBUTE(Attribute, attribute)
+  TYL_SEQUENCE(AttrValue, attrValue)
+};
+
+/// One row of the builder's table of attributes to add.
+class VERDA_EXPORT AttrToAddValue : public Verda::Node {
+  TYL_ENTITY(AttrToAddValue)
+
+ public:
+  explicit AttrToAddValue(Verda::U16 key) : key_(key) {}
+
+  /// The row's place in the table.
+  TYL_FIXED_ATTRIBUTE(Verda::U16, key)
+  /// The attribute with its values; null until set.
+  TYL_ATTRIBUTE(Verda::Ptr<AttrWithValue>, attrWithValue, nullptr)
+};
+
+/// The outcome of building or modifying a packet.
+class VERDA_EXPORT PktReturn : public Verda::Node {
+  TYL_ENTITY(PktReturn)
+
+ public:
+  explicit PktReturn(const Verda::Ptr<Zonet::Pkt>& pkt) : pkt_(pkt) {}
+
+  /// The packet; null on failure.
+  TYL_FIXED_ATTRIBUTE(Verda::Ptr<Zonet::Pkt>, pkt)
+  TYL_ATTRIBUTE(ErrorMsg, errorMsg, ErrorMsg::success)
+};
+
+/// The outcome of parsing or making a header.
+class VERDA_EXPORT RadiusHdrReturn : public Verda::Node {
+  TYL_ENTITY(RadiusHdrReturn)
+
+ public:
+  explicit RadiusHdrReturn(const Verda::Ptr<RadiusHdr>& hdr) : hdr_(hdr) {}
+
+  /// The header; null on failure.
+  TYL_FIXED_ATTRIBUTE(Verda::Ptr<RadiusHdr>, hdr)
+  TYL_ATTRIBUTE(ErrorMsg, errorMsg, ErrorMsg::success)
+};
+
+/// What a caller hands to the codec with one packet: the base of the parser's sink and of the
+/// builder's request.
+class VERDA_EXPORT PktInfoBase : public Verda::Node {
+  TYL_ENTITY(PktInfoBase)
+
+ public:
+  PktInfoBase() = default;
+};
+
+/// The attributes of which a run of fragments has ended in a packet.
+class VERDA_EXPORT ConcatAttr : public Verda::Node {
+  TYL_ENTITY(ConcatAttr)
+
+ public:
+  ConcatAttr() = default;
+
+  TYL_SET(Attribute, concatAttrMap)
+};
+
+TYL_FACTORY(radiusHdrFactory, RadiusHdr)
+TYL_FACTORY(attrWithValueFactory, AttrWithValue)
+TYL_FACTORY(attrToAddValueFactory, AttrToAddValue)
+TYL_FACTORY(pktReturnFactory, PktReturn)
+TYL_FACTORY(radiusHdrReturnFactory, RadiusHdrReturn)
+TYL_FACTORY(pktInfoBaseFactory, PktInfoBase)
+TYL_FACTORY(concatAttrFactory, ConcatAttr)
+
+/// Where the codec traces: "RadiusPacketParser::RadiusPktParser".
+extern Verda::TraceFacility codecTrace;
+
+}  // namespace RadiusPktParserBase
