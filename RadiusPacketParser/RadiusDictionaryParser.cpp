@@ -70,8 +70,8 @@ class Tokens {
   std::size_t count_ = 0;
 };
 
-/// Reads the lines of one dictionary file. Construction fails the assertion "file.is_open()" when the
-/// file, which may be a directory, cannot be read.
+/// Reads the lines of one dictionary file. Construction fails the assertion "file.is_open()" when
+/// the file, which may be a directory, cannot be read.
 class DictionaryFile {
  public:
   explicit DictionaryFile(const String& path) : file_(path.cStr()) {
@@ -117,15 +117,15 @@ struct Place {
 };
 
 /// Traces "File ", the path and the message.
-#define TRACE_PROBLEM(place, format, ...)                                             \
+#define TRACE_PROBLEM(place, format, ...)                                                     \
   VERDA_TRACE_AS(dictionaryTrace, Verda::traceErrors, "", (place).function, "File {}" format, \
                  (place).path __VA_OPT__(, ) __VA_ARGS__)
 
 /// The same, and the process ends.
-#define FATAL_PROBLEM(place, format, ...)                  \
-  do {                                                     \
+#define FATAL_PROBLEM(place, format, ...)                    \
+  do {                                                       \
     TRACE_PROBLEM(place, format __VA_OPT__(, ) __VA_ARGS__); \
-    VERDA_ASSERT(false);                                   \
+    VERDA_ASSERT(false);                                     \
   } while (false)
 
 struct VendorLine {
@@ -164,8 +164,8 @@ VendorLine parseVendorLine(const Place& place, const Tokens& tokens) {
   return {tokens[1], id.value_or(0)};
 }
 
-/// An attribute code, by a check that is lax on purpose: the digits wrap around at 32 bits, and only
-/// 256 to 2^31-1 and 2^32-1 are rejected.
+/// An attribute code, by a check that is lax on purpose: the digits wrap around at 32 bits, and
+/// only 256 to 2^31-1 and 2^32-1 are rejected.
 std::optional<U8> attributeCodeOf(std::string_view token) {
   U32 wrapped = 0;
   for (const char digit : token) {
@@ -183,8 +183,7 @@ std::optional<U8> attributeCodeOf(std::string_view token) {
 
 /// Sets the type, and returns whether the word is one of the type words.
 bool typeFromWord(RadiusNode& entry, std::string_view word) {
-  const Tyl::Enumerator* found =
-      Tyl::enumeratorFind(RadiusAttributeType::enumerationTable(), word);
+  const Tyl::Enumerator* found = Tyl::enumeratorFind(RadiusAttributeType::enumerationTable(), word);
   const auto type = found == nullptr
                         ? RadiusAttributeType::unknown
                         : static_cast<RadiusAttributeType::RadiusAttributeTypeEnum>(found->number);

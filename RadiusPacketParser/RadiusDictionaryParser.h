@@ -14,8 +14,8 @@
 /// The dictionary: which attributes exist, under which names, of which data type, and whether they
 /// are tagged, hidden or split over several attributes; and the parser that loads it from files.
 ///
-/// A dictionary is filled once, by `RadiusDictionaryParser`, and then shared read-only by any number
-/// of codecs on any number of threads.
+/// A dictionary is filled once, by `RadiusDictionaryParser`, and then shared read-only by any
+/// number of codecs on any number of threads.
 namespace RadiusPacketParser {
 
 /// The data types of the dictionary's type words; `unknown` is what any other word gives.

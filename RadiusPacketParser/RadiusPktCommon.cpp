@@ -51,8 +51,8 @@ U32 copyAuthenticator(ByteView from, U8* to) {
 
 /// Whether an authenticator gives all the bytes that one has; traces when it does not.
 bool isWholeAuthenticator(ByteView authenticator, std::string_view function) {
-  const auto copied = static_cast<U32>(
-      std::min<std::size_t>(authenticator.size(), PacketConstants::authLength()));
+  const auto copied =
+      static_cast<U32>(std::min<std::size_t>(authenticator.size(), PacketConstants::authLength()));
   if (copied != PacketConstants::authLength()) {
     VERDA_TRACE_AS(codecTrace, Verda::traceErrors, "", function,
                    "Mismatch in bytes copied: {}, expected: {}", copied,
@@ -109,7 +109,7 @@ bool holdsPacket(const Ptr<Zonet::Pkt>& pkt, const RadiusHdr& hdr) {
 
 /// Whether a whole Message-Authenticator attribute lies among the packet's attributes at `attr`.
 bool liesInPacket(const U8* attr, const U8* pktData, U32 length) {
-  const std::less<const U8*> before;
+  const std::less<> before;
   return length >= PacketConstants::headerLength() + msgAuthAttrLength &&
          !before(attr, pktData + PacketConstants::headerLength()) &&
          !before(pktData + (length - msgAuthAttrLength), attr);
@@ -233,15 +233,13 @@ AttrInfo getAttrInfo(Attribute attribute, const Ptr<const RadiusDict>& dict) {
   }
   const auto* vendor = dict->vendorAttribute().find(attribute.vendorId);
   if (vendor == nullptr) {
-    VERDA_TRACE(codecTrace, Verda::traceErrors, "", "Unsupported vendorId: {}",
-                attribute.vendorId);
+    VERDA_TRACE(codecTrace, Verda::traceErrors, "", "Unsupported vendorId: {}", attribute.vendorId);
     return missing(ErrorMsg::invalidVendorId);
   }
   const auto* entry = (*vendor)->vendorNodeDict().find(attribute.vendorAttrId);
   if (entry == nullptr) {
-    VERDA_TRACE(codecTrace, Verda::traceErrors, "",
-                "Unsupported vendorAttrId: {} for vendorId: {}", attribute.vendorAttrId,
-                attribute.vendorId);
+    VERDA_TRACE(codecTrace, Verda::traceErrors, "", "Unsupported vendorAttrId: {} for vendorId: {}",
+                attribute.vendorAttrId, attribute.vendorId);
     return missing(ErrorMsg::invalidVendorAttrId);
   }
   return infoOf(**entry);
@@ -336,8 +334,7 @@ ErrorMsg setMessageAuthenticator(U8* pktData, U8* msgAuthAttr, const String& sec
   VERDA_TRACE(codecTrace, Verda::traceEntries, "", "entry");
   U8* const authenticator = pktData + PacketConstants::authenticatorOffset();
   if (isPlainRequest(hdr->code())) {
-    VERDA_ASSERT_TEXT(reqAuth.empty(),
-                      "Request authenticator found not NULL for request packet");
+    VERDA_ASSERT_TEXT(reqAuth.empty(), "Request authenticator found not NULL for request packet");
   } else {
     std::ranges::copy(zeroAuthenticator, authenticator);
   }
@@ -358,8 +355,8 @@ ErrorMsg setMessageAuthenticator(U8* pktData, U8* msgAuthAttr, const String& sec
 
 namespace {
 
-/// Compares a packet's Message-Authenticator with the computed one. The packet's authenticator bytes
-/// are already what the computation covers.
+/// Compares a packet's Message-Authenticator with the computed one. The packet's authenticator
+/// bytes are already what the computation covers.
 ErrorMsg compareMessageAuthenticator(Zonet::Pkt& pkt, const RadiusHdr& hdr, const String& secret,
                                      U8* msgAuthAttr, bool authenticatorReplaced) {
   const RestoreOnExit value(msgAuthAttr + AttributeConstants::valueOffset());
@@ -381,8 +378,7 @@ ErrorMsg compareMessageAuthenticator(Zonet::Pkt& pkt, const RadiusHdr& hdr, cons
 }  // namespace
 
 ErrorMsg validateMessageAuthenticator(const Ptr<Zonet::Pkt>& pkt, const Ptr<RadiusHdr>& hdr,
-                                      const String& secret, const Bytes& reqAuth,
-                                      U8* msgAuthAttr) {
+                                      const String& secret, const Bytes& reqAuth, U8* msgAuthAttr) {
   VERDA_TRACE(codecTrace, Verda::traceEntries, "", "entry");
   switch (hdr->code()) {
     case RadiusCode::ACCOUNTING_REQUEST:
@@ -401,8 +397,7 @@ ErrorMsg validateMessageAuthenticator(const Ptr<Zonet::Pkt>& pkt, const Ptr<Radi
     case RadiusCode::STATUS_SERVER:
     case RadiusCode::DISCONNECT_REQUEST:
     case RadiusCode::COA_REQUEST:
-      VERDA_ASSERT_TEXT(reqAuth.empty(),
-                        "Request authenticator found not NULL for request packet");
+      VERDA_ASSERT_TEXT(reqAuth.empty(), "Request authenticator found not NULL for request packet");
       break;
     default:
       return ErrorMsg::unsupportedPktType;
@@ -438,9 +433,9 @@ ErrorMsg encryptHelper(U8* data, U32 len, const String& secret, const Bytes& aut
   const ByteView sharedSecret = secretBytes(secret);
   Digest keystream;
   const ZoCrypto::CleanseOnExit cleanKeystream(keystream);
-  ErrorMsg result = md5Of(
-      {sharedSecret, authenticator.span().first(PacketConstants::authLength()), salt},
-      keystream.data());
+  ErrorMsg result =
+      md5Of({sharedSecret, authenticator.span().first(PacketConstants::authLength()), salt},
+            keystream.data());
   while (result == ErrorMsg::success && !rest.empty()) {
     const std::size_t count =
         std::min<std::size_t>(rest.size(), AttributeConstants::passwdWordSize());
@@ -463,8 +458,7 @@ ErrorMsg encryptAttribute(Attribute attribute, U8* attrPtr, const String& secret
                           const Ptr<const RadiusDict>& /*dict*/) {
   VERDA_TRACE(codecTrace, Verda::traceEntries, "", "entry");
   if (isRequest(hdr->code())) {
-    VERDA_ASSERT_TEXT(reqAuth.empty(),
-                      "Request authenticator found not NULL for request packet");
+    VERDA_ASSERT_TEXT(reqAuth.empty(), "Request authenticator found not NULL for request packet");
   } else {
     VERDA_ASSERT_TEXT(!reqAuth.empty(), "Request authenticator found NULL for response packet");
   }

@@ -62,16 +62,16 @@ class VERDA_EXPORT AttributeCursor {
 VERDA_EXPORT bool isRequest(Verda::U8 code);
 
 /// Whether a packet of code `response` can answer a request of code `request`: 2, 3, 11 answer 1;
-/// 2, 5 answer 12; 5 answers 4; 41, 42 answer 40; 44, 45 answer 43. An agent that waits for an answer
-/// must ask this of the header before it passes the packet on with its Request Authenticator: a
-/// stranger may send any code.
+/// 2, 5 answer 12; 5 answers 4; 41, 42 answer 40; 44, 45 answer 43. An agent that waits for an
+/// answer must ask this of the header before it passes the packet on with its Request
+/// Authenticator: a stranger may send any code.
 VERDA_EXPORT bool canAnswer(Verda::U8 response, Verda::U8 request);
 
 /// What the dictionary says of `attribute`. A miss is traced at level 0 and reported in the result:
 /// `isInDict` false and `errorMsg` `invalidAttrId`, `invalidVendorId` or `invalidVendorAttrId`.
 /// `dict` must not be null.
-VERDA_EXPORT AttrInfo
-getAttrInfo(Attribute attribute, const Verda::Ptr<const RadiusPacketParser::RadiusDict>& dict);
+VERDA_EXPORT AttrInfo getAttrInfo(Attribute attribute,
+                                  const Verda::Ptr<const RadiusPacketParser::RadiusDict>& dict);
 
 /// The MD5 of `len` bytes at `data`, into 16 bytes at `digest`. Returns `success`, or
 /// `md5GenerationFailed`.
@@ -146,8 +146,8 @@ VERDA_EXPORT ErrorMsg validateMessageAuthenticator(const Verda::Ptr<Zonet::Pkt>&
 inline constexpr Verda::U8 userPasswordMethod = 1;  ///< RFC 2865 section 5.2
 inline constexpr Verda::U8 saltedMethod = 2;        ///< RFC 2868 section 3.5, RFC 2548
 
-/// Hides or reveals a value in place. Tag and salt stay in the clear; a value too short to hold them
-/// is left alone. Neither padding nor a length byte is added or taken off.
+/// Hides or reveals a value in place. Tag and salt stay in the clear; a value too short to hold
+/// them is left alone. Neither padding nor a length byte is added or taken off.
 /// @param data            the first value byte
 /// @param len             the length of the value
 /// @param authenticator   16 bytes
@@ -164,20 +164,20 @@ VERDA_EXPORT ErrorMsg encryptHelper(Verda::U8* data, Verda::U32 len, const Verda
 /// @param attrPtr  the first byte of the attribute; of the outer one for a vendor attribute
 /// @param dict     not consulted
 /// @return as `encryptHelper`
-VERDA_EXPORT ErrorMsg encryptAttribute(Attribute attribute, Verda::U8* attrPtr,
-                                       const Verda::String& secret, const Verda::Bytes& reqAuth,
-                                       const Verda::Ptr<RadiusHdr>& hdr, AttrInfo attrInfo,
-                                       const Verda::Ptr<const RadiusPacketParser::RadiusDict>& dict);
+VERDA_EXPORT ErrorMsg
+encryptAttribute(Attribute attribute, Verda::U8* attrPtr, const Verda::String& secret,
+                 const Verda::Bytes& reqAuth, const Verda::Ptr<RadiusHdr>& hdr, AttrInfo attrInfo,
+                 const Verda::Ptr<const RadiusPacketParser::RadiusDict>& dict);
 
 /// Reveals the value of an attribute in place, likewise. An attribute that is not in the dictionary
 /// is left alone, with a level-0 trace and `success`.
 /// @param attrPtr  the first byte of the attribute; of the sub-attribute for a vendor attribute
 /// @param dict     not consulted
 /// @return as `encryptHelper`
-VERDA_EXPORT ErrorMsg decryptAttribute(Attribute attribute, Verda::U8* attrPtr,
-                                       const Verda::String& secret, const Verda::Bytes& reqAuth,
-                                       const Verda::Ptr<RadiusHdr>& hdr, AttrInfo attrInfo,
-                                       const Verda::Ptr<const RadiusPacketParser::RadiusDict>& dict);
+VERDA_EXPORT ErrorMsg
+decryptAttribute(Attribute attribute, Verda::U8* attrPtr, const Verda::String& secret,
+                 const Verda::Bytes& reqAuth, const Verda::Ptr<RadiusHdr>& hdr, AttrInfo attrInfo,
+                 const Verda::Ptr<const RadiusPacketParser::RadiusDict>& dict);
 
 /// The failed result of building a packet: no packet, and `errorMsg`.
 VERDA_EXPORT Verda::Ptr<PktReturn> invalidPkt(ErrorMsg errorMsg);

@@ -21,7 +21,6 @@ using RadiusPacketParser::AttributeConstants;
 using RadiusPacketParser::PacketConstants;
 using RadiusPacketParser::RadiusAttributeId;
 using RadiusPacketParser::RadiusAttributeType;
-using RadiusPacketParser::RadiusDict;
 using RadiusPacketParser::VsaConstants;
 using Verda::Bytes;
 using Verda::Ptr;
@@ -109,8 +108,7 @@ ErrorMsg decodeString(bool isTagged, ByteView bytes, AttrValue& value) {
 ErrorMsg decodeNumber(const Attribute& key, std::string_view typeName, bool isTagged,
                       ByteView bytes, AttrValue& value) {
   U32 number = 0;
-  if (bytes.size() != AttributeConstants::intLength() ||
-      !Zonet::WireReader(bytes).read(number)) {
+  if (bytes.size() != AttributeConstants::intLength() || !Zonet::WireReader(bytes).read(number)) {
     return invalidValueLength(key, typeName, bytes.size());
   }
   if (isTagged) {
@@ -174,8 +172,7 @@ ErrorMsg decodeIp6Prefix(const Attribute& key, ByteView bytes, AttrValue& value)
     return ErrorMsg::invalidAttrLength;
   }
   Ip6Bytes address{};
-  std::ranges::copy(bytes.subspan(AttributeConstants::minIpv6PrefixAttrLength()),
-                    address.begin());
+  std::ranges::copy(bytes.subspan(AttributeConstants::minIpv6PrefixAttrLength()), address.begin());
   setIp6(address, value);
   return ErrorMsg::success;
 }
@@ -231,8 +228,8 @@ class PacketWalk {
       : parser_(parser), pkt_(pkt), hdr_(hdr), secret_(secret), reqAuth_(reqAuth), sink_(sink) {}
 
   ErrorMsg run() {
-    AttributeCursor cursor(std::as_const(*pkt_).span().first(hdr_->length()).subspan(
-        PacketConstants::headerLength()));
+    AttributeCursor cursor(
+        std::as_const(*pkt_).span().first(hdr_->length()).subspan(PacketConstants::headerLength()));
     while (true) {
       switch (cursor.next()) {
         case AttributeCursor::Step::attribute:
@@ -265,8 +262,8 @@ class PacketWalk {
 
   ErrorMsg takeAttribute(ByteView attribute) {
     Unit unit;
-    const bool isVendor = attribute[AttributeConstants::typeOffset()] ==
-                          RadiusAttributeId::VENDOR_SPECIFIC;
+    const bool isVendor =
+        attribute[AttributeConstants::typeOffset()] == RadiusAttributeId::VENDOR_SPECIFIC;
     ErrorMsg fault = isVendor ? openVendor(attribute, unit) : openStandard(attribute, unit);
     if (fault == ErrorMsg::success) {
       fault = checkConsecutive(unit.key);
@@ -375,8 +372,8 @@ class PacketWalk {
     ErrorMsg fault = decryptAttribute(unit.key, copy.data(), secret_, reqAuth_, hdr_, unit.info,
                                       parser_.dictionary());
     if (fault == ErrorMsg::success) {
-      fault = decodeValue(unit.key, unit.info, copy.subspan(AttributeConstants::valueOffset()),
-                          value_);
+      fault =
+          decodeValue(unit.key, unit.info, copy.subspan(AttributeConstants::valueOffset()), value_);
     }
     if (unit.info.encryptionType != 0) {
       ZoCrypto::cleanse(copy);
@@ -404,6 +401,7 @@ void RadiusPktParser::doProcessAttribute(const Attribute& /*attr*/, const AttrVa
                                          AttrInfo /*attrInfo*/,
                                          const Ptr<PktInfoParser>& /*pktInfoParser*/) {}
 
+// NOLINTNEXTLINE(readability-convert-member-functions-to-static): an operation of the parser
 Ptr<RadiusHdrReturn> RadiusPktParser::getHeader(const Ptr<Zonet::Pkt>& pkt) const {
   Ptr<RadiusHdr> hdr = radiusHdrFactory();
   const ErrorMsg fault = readHeader(pkt, *hdr);

@@ -42,8 +42,9 @@ class VERDA_EXPORT RadiusPktParser : public Verda::Node {
   TYL_FIXED_ATTRIBUTE(Verda::Ptr<const RadiusPacketParser::RadiusDict>, dictionary)
 
   /// The hook: called by `doProcessPkt` once per attribute, in packet order. It cannot stop the
-  /// walk. A value split over several attributes comes fragment by fragment; a tag stays part of the
-  /// value (`separateTag`); revealed values keep padding, salt and length byte. Does nothing here.
+  /// walk. A value split over several attributes comes fragment by fragment; a tag stays part of
+  /// the value (`separateTag`); revealed values keep padding, salt and length byte. Does nothing
+  /// here.
   virtual void doProcessAttribute(const Attribute& attr, const AttrValue& attrValue,
                                   AttrInfo attrInfo,
                                   const Verda::Ptr<PktInfoParser>& pktInfoParser);
@@ -65,7 +66,8 @@ class VERDA_EXPORT RadiusPktParser : public Verda::Node {
   /// @param reqAuth        the authenticator of the request that the packet answers
   /// @param pktInfoParser  the sink; must not be null
   ErrorMsg doProcessPkt(const Verda::Ptr<Zonet::Pkt>& pkt, const Verda::String& secret,
-                        const Verda::Bytes& reqAuth, const Verda::Ptr<PktInfoParser>& pktInfoParser);
+                        const Verda::Bytes& reqAuth,
+                        const Verda::Ptr<PktInfoParser>& pktInfoParser);
 };
 
 TYL_FACTORY(pktInfoParserFactory, PktInfoParser)

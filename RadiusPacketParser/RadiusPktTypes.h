@@ -20,32 +20,32 @@
 #include "RadiusPacketParser/RadiusDictionaryParser.h"
 
 /// The codec: parses received packets and builds those to send. Every outcome is an `ErrorMsg`;
-/// nothing here throws for a bad packet. What a caller does wrong (a Request Authenticator given for
-/// a request, none for a response) fails an assertion, which ends the process.
+/// nothing here throws for a bad packet. What a caller does wrong (a Request Authenticator given
+/// for a request, none for a response) fails an assertion, which ends the process.
 namespace RadiusPktParserBase {
 
 /// Why an operation failed, or `success`.
-#define RADIUS_ERROR_MSG_LIST(X)       \
-  X(success, 0)                        \
-  X(invalidPktPtr, 1)                  \
-  X(invalidPktAuth, 2)                 \
-  X(invalidMsgAuth, 3)                 \
-  X(invalidPktLength, 4)               \
-  X(invalidAttrId, 5)                  \
-  X(invalidAttrLength, 6)              \
-  X(invalidAttrDataType, 7)            \
-  X(invalidVendorId, 8)                \
-  X(invalidVendorAttrId, 9)            \
-  X(invalidVendorAttrDataType, 10)     \
-  X(unknownAttrDataType, 11)           \
-  X(maxPktLengthExceeded, 12)          \
-  X(concatAttrNotConsecutive, 13)      \
-  X(pktAuthGenerationFailed, 14)       \
-  X(md5GenerationFailed, 15)           \
-  X(invalidBytesCopied, 16)            \
-  X(unsupportedPktType, 17)            \
-  X(pktTypeDoesNotSupportMsgAuth, 18)  \
-  X(missingRequiredMsgAuth, 19)        \
+#define RADIUS_ERROR_MSG_LIST(X)      \
+  X(success, 0)                       \
+  X(invalidPktPtr, 1)                 \
+  X(invalidPktAuth, 2)                \
+  X(invalidMsgAuth, 3)                \
+  X(invalidPktLength, 4)              \
+  X(invalidAttrId, 5)                 \
+  X(invalidAttrLength, 6)             \
+  X(invalidAttrDataType, 7)           \
+  X(invalidVendorId, 8)               \
+  X(invalidVendorAttrId, 9)           \
+  X(invalidVendorAttrDataType, 10)    \
+  X(unknownAttrDataType, 11)          \
+  X(maxPktLengthExceeded, 12)         \
+  X(concatAttrNotConsecutive, 13)     \
+  X(pktAuthGenerationFailed, 14)      \
+  X(md5GenerationFailed, 15)          \
+  X(invalidBytesCopied, 16)           \
+  X(unsupportedPktType, 17)           \
+  X(pktTypeDoesNotSupportMsgAuth, 18) \
+  X(missingRequiredMsgAuth, 19)       \
   X(tagByteMissing, 20)
 
 TYL_ENUMERATION(ErrorMsg, ::Verda::U8, RADIUS_ERROR_MSG_LIST)
@@ -71,8 +71,8 @@ constexpr Attribute standardAttribute(Verda::U8 attrId) {
 /// The key of a vendor's sub-attribute.
 VERDA_EXPORT Attribute vendorAttribute(Verda::U32 vendorId, Verda::U8 vendorAttrId);
 
-/// The value of a tagged `string` attribute (RFC 2868). The parser delivers the tag byte as the first
-/// byte of `str` and leaves `tag` 0; `separateTag` takes them apart.
+/// The value of a tagged `string` attribute (RFC 2868). The parser delivers the tag byte as the
+/// first byte of `str` and leaves `tag` 0; `separateTag` takes them apart.
 struct VERDA_EXPORT TaggedStr {
   Verda::String str;
   Verda::U8 tag = 0;
@@ -83,8 +83,8 @@ struct VERDA_EXPORT TaggedStr {
   bool operator==(const TaggedStr&) const = default;
 };
 
-/// The value of a tagged `integer` attribute (RFC 2868). The parser delivers all 32 bits in `value`,
-/// the tag in the highest eight, and leaves `tag` 0; `separateTag` takes them apart.
+/// The value of a tagged `integer` attribute (RFC 2868). The parser delivers all 32 bits in
+/// `value`, the tag in the highest eight, and leaves `tag` 0; `separateTag` takes them apart.
 struct VERDA_EXPORT TaggedInt {
   Verda::U32 value = 0;
   Verda::U8 tag = 0;
@@ -99,23 +99,23 @@ struct VERDA_EXPORT TaggedInt {
 /// `str`. An empty value stays as it is.
 VERDA_EXPORT TaggedStr separateTag(const TaggedStr& delivered);
 
-/// Tag and number of a value as the parser delivers it: the highest eight bits become `tag`, the low
-/// 24 `value`.
+/// Tag and number of a value as the parser delivers it: the highest eight bits become `tag`, the
+/// low 24 `value`.
 VERDA_EXPORT TaggedInt separateTag(const TaggedInt& delivered);
 
 /// The value of an attribute. The alternative follows from the dictionary's data type:
-/// 0 `string`; 1 tagged `string`; 2 `integer` or `date`; 3 tagged `integer`; 4 `integer64` (the eight
-/// wire bytes in host memory order); 5 `ipaddr`, `ipv6addr`, `ipv6prefix` and `ifid`; 6 `octets`
-/// and attributes of no known type.
+/// 0 `string`; 1 tagged `string`; 2 `integer` or `date`; 3 tagged `integer`; 4 `integer64` (the
+/// eight wire bytes in host memory order); 5 `ipaddr`, `ipv6addr`, `ipv6prefix` and `ifid`; 6
+/// `octets` and attributes of no known type.
 using AttrValue = std::variant<Verda::String, TaggedStr, unsigned int, TaggedInt, unsigned long,
                                Zonet::IpGenPrefix, Verda::Bytes>;
 
 /// What the dictionary says of one attribute.
 struct VERDA_EXPORT AttrInfo {
-  bool isConcat = false;               ///< long values are split over consecutive attributes
-  bool isTagged = false;               ///< the value carries a leading tag byte
-  bool isInDict = false;               ///< when false, all else but `errorMsg` is zero
-  Verda::U8 encryptionType = 0;        ///< 0 not hidden, 1 User-Password method, 2 salted method
+  bool isConcat = false;         ///< long values are split over consecutive attributes
+  bool isTagged = false;         ///< the value carries a leading tag byte
+  bool isInDict = false;         ///< when false, all else but `errorMsg` is zero
+  Verda::U8 encryptionType = 0;  ///< 0 not hidden, 1 User-Password method, 2 salted method
   RadiusPacketParser::RadiusAttributeType::RadiusAttributeTypeEnum attributeType =
       RadiusPacketParser::RadiusAttributeType::unknown;
   ErrorMsg errorMsg = ErrorMsg::success;  ///< why the lookup failed

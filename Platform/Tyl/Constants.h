@@ -21,7 +21,9 @@ VERDA_EXPORT const Constant* constantOf(std::span<const Constant> constants, std
 }  // namespace Tyl
 
 #define TYL_DETAIL_CONSTANT(Type, name, value) \
-  static constexpr ::Verda::Type name() { return value; }
+  static constexpr ::Verda::Type name() {      \
+    return value;                              \
+  }
 #define TYL_DETAIL_CONSTANT_ROW(Type, name, value) \
   ::Tyl::Constant{#name, value, static_cast<::Verda::U8>(8 * sizeof(::Verda::Type))},
 
@@ -37,8 +39,8 @@ VERDA_EXPORT const Constant* constantOf(std::span<const Constant> constants, std
   };
 
 /// Defines what `TYL_CONSTANT_HOLDER` declares; in one source, in the holder's namespace.
-#define TYL_CONSTANT_HOLDER_TABLE(Holder, LIST)                                      \
-  std::span<const ::Tyl::Constant> Holder::constants() {                             \
-    static constexpr ::Tyl::Constant rows[] = {LIST(TYL_DETAIL_CONSTANT_ROW)};       \
-    return rows;                                                                     \
+#define TYL_CONSTANT_HOLDER_TABLE(Holder, LIST)                                \
+  std::span<const ::Tyl::Constant> Holder::constants() {                       \
+    static constexpr ::Tyl::Constant rows[] = {LIST(TYL_DETAIL_CONSTANT_ROW)}; \
+    return rows;                                                               \
   }

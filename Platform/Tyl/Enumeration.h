@@ -29,8 +29,7 @@ struct EnumerationTable {
 VERDA_EXPORT Verda::String enumeratorText(const EnumerationTable& table, Verda::S64 number);
 
 /// The enumerator called `name`, or null.
-VERDA_EXPORT const Enumerator* enumeratorFind(const EnumerationTable& table,
-                                              std::string_view name);
+VERDA_EXPORT const Enumerator* enumeratorFind(const EnumerationTable& table, std::string_view name);
 
 /// The number of the enumerator called `name`. Throws `Verda::RangeError`, which names the
 /// enumeration and the culprit, when there is none.
@@ -55,22 +54,22 @@ VERDA_EXPORT Verda::S64 enumeratorOf(const EnumerationTable& table, TextReader& 
 ///   `Number`; both throw `Verda::RangeError` for what is no enumerator;
 /// - `Holder::enumerationTable()`;
 /// - the free functions of `TYL_DETAIL_CONVERSIONS`.
-#define TYL_ENUMERATION_HOLDER(Holder, Storage, Number, LIST)                \
-  class VERDA_EXPORT Holder {                                                \
-   public:                                                                   \
-    enum Holder##Enum : Storage { LIST(TYL_DETAIL_ENUMERATOR) };             \
-    static Holder##Enum Holder##EnumInstance(const ::Verda::String& name);   \
-    static Holder##Enum Holder##EnumInstance(Number number);                 \
-    static const ::Tyl::EnumerationTable& enumerationTable();                \
-  };                                                                         \
+#define TYL_ENUMERATION_HOLDER(Holder, Storage, Number, LIST)              \
+  class VERDA_EXPORT Holder {                                              \
+   public:                                                                 \
+    enum Holder##Enum : Storage{LIST(TYL_DETAIL_ENUMERATOR)};              \
+    static Holder##Enum Holder##EnumInstance(const ::Verda::String& name); \
+    static Holder##Enum Holder##EnumInstance(Number number);               \
+    static const ::Tyl::EnumerationTable& enumerationTable();              \
+  };                                                                       \
   TYL_DETAIL_CONVERSIONS(Holder::Holder##Enum)
 
 /// Declares `enum class Enum : Storage` from its list, with `EnumInstance(name)`,
 /// `EnumInstance(number)` and the free functions of `TYL_DETAIL_CONVERSIONS`.
-#define TYL_ENUMERATION(Enum, Storage, LIST)                        \
-  enum class Enum : Storage { LIST(TYL_DETAIL_ENUMERATOR) };        \
-  VERDA_EXPORT Enum Enum##Instance(const ::Verda::String& name);    \
-  VERDA_EXPORT Enum Enum##Instance(::Verda::U32 number);            \
+#define TYL_ENUMERATION(Enum, Storage, LIST)                     \
+  enum class Enum : Storage { LIST(TYL_DETAIL_ENUMERATOR) };     \
+  VERDA_EXPORT Enum Enum##Instance(const ::Verda::String& name); \
+  VERDA_EXPORT Enum Enum##Instance(::Verda::U32 number);         \
   TYL_DETAIL_CONVERSIONS(Enum)
 
 /// Declares, for the enumeration type `Type`:
@@ -79,51 +78,53 @@ VERDA_EXPORT Verda::S64 enumeratorOf(const EnumerationTable& table, TextReader& 
 ///   `Verda::RangeError` and leaves `result` alone;
 /// - `operator<<`: prints `stringValue`;
 /// - `enumerationTableOf(value)`: the enumeration's table.
-#define TYL_DETAIL_CONVERSIONS(Type)                                          \
-  VERDA_EXPORT ::Verda::String stringValue(Type value);                       \
-  VERDA_EXPORT void sequenceToValue(::Tyl::TextReader& text, Type& result);   \
-  VERDA_EXPORT std::ostream& operator<<(std::ostream& out, Type value);       \
+#define TYL_DETAIL_CONVERSIONS(Type)                                        \
+  VERDA_EXPORT ::Verda::String stringValue(Type value);                     \
+  VERDA_EXPORT void sequenceToValue(::Tyl::TextReader& text, Type& result); \
+  VERDA_EXPORT std::ostream& operator<<(std::ostream& out, Type value);     \
   VERDA_EXPORT const ::Tyl::EnumerationTable& enumerationTableOf(Type value);
 
 /// Defines what `TYL_ENUMERATION_HOLDER` declares; in one source, in the holder's namespace.
-#define TYL_ENUMERATION_HOLDER_TABLE(Holder, Number, LIST)                                 \
-  const ::Tyl::EnumerationTable& Holder::enumerationTable() {                              \
-    static constexpr ::Tyl::Enumerator rows[] = {LIST(TYL_DETAIL_TABLE_ROW)};              \
-    static constexpr ::Tyl::EnumerationTable table{#Holder, rows};                         \
-    return table;                                                                          \
-  }                                                                                        \
-  Holder::Holder##Enum Holder::Holder##EnumInstance(const ::Verda::String& name) {         \
+#define TYL_ENUMERATION_HOLDER_TABLE(Holder, Number, LIST)                                  \
+  const ::Tyl::EnumerationTable& Holder::enumerationTable() {                               \
+    static constexpr ::Tyl::Enumerator rows[] = {LIST(TYL_DETAIL_TABLE_ROW)};               \
+    static constexpr ::Tyl::EnumerationTable table{#Holder, rows};                          \
+    return table;                                                                           \
+  }                                                                                         \
+  Holder::Holder##Enum Holder::Holder##EnumInstance(const ::Verda::String& name) {          \
     return static_cast<Holder##Enum>(::Tyl::enumeratorOf(enumerationTable(), name.view())); \
-  }                                                                                        \
-  Holder::Holder##Enum Holder::Holder##EnumInstance(Number number) {                       \
-    return static_cast<Holder##Enum>(                                                      \
-        ::Tyl::enumeratorOf(enumerationTable(), ::Verda::S64{number}));                    \
-  }                                                                                        \
+  }                                                                                         \
+  Holder::Holder##Enum Holder::Holder##EnumInstance(Number number) {                        \
+    return static_cast<Holder##Enum>(                                                       \
+        ::Tyl::enumeratorOf(enumerationTable(), ::Verda::S64{number}));                     \
+  }                                                                                         \
   TYL_DETAIL_CONVERSION_BODIES(Holder::Holder##Enum, Holder::enumerationTable())
 
 /// Defines what `TYL_ENUMERATION` declares; in one source, in the enumeration's namespace.
-#define TYL_ENUMERATION_TABLE(Enum, LIST)                                                  \
-  static const ::Tyl::EnumerationTable& tableOf##Enum() {                                  \
-    static constexpr ::Tyl::Enumerator rows[] = {LIST(TYL_DETAIL_TABLE_ROW)};              \
-    static constexpr ::Tyl::EnumerationTable table{#Enum, rows};                           \
-    return table;                                                                          \
-  }                                                                                        \
-  Enum Enum##Instance(const ::Verda::String& name) {                                       \
-    return static_cast<Enum>(::Tyl::enumeratorOf(tableOf##Enum(), name.view()));           \
-  }                                                                                        \
-  Enum Enum##Instance(::Verda::U32 number) {                                               \
-    return static_cast<Enum>(::Tyl::enumeratorOf(tableOf##Enum(), ::Verda::S64{number}));  \
-  }                                                                                        \
+#define TYL_ENUMERATION_TABLE(Enum, LIST)                                                 \
+  static const ::Tyl::EnumerationTable& tableOf##Enum() {                                 \
+    static constexpr ::Tyl::Enumerator rows[] = {LIST(TYL_DETAIL_TABLE_ROW)};             \
+    static constexpr ::Tyl::EnumerationTable table{#Enum, rows};                          \
+    return table;                                                                         \
+  }                                                                                       \
+  Enum Enum##Instance(const ::Verda::String& name) {                                      \
+    return static_cast<Enum>(::Tyl::enumeratorOf(tableOf##Enum(), name.view()));          \
+  }                                                                                       \
+  Enum Enum##Instance(::Verda::U32 number) {                                              \
+    return static_cast<Enum>(::Tyl::enumeratorOf(tableOf##Enum(), ::Verda::S64{number})); \
+  }                                                                                       \
   TYL_DETAIL_CONVERSION_BODIES(Enum, tableOf##Enum())
 
-#define TYL_DETAIL_CONVERSION_BODIES(Type, TABLE)                               \
-  ::Verda::String stringValue(Type value) {                                     \
-    return ::Tyl::enumeratorText((TABLE), static_cast<::Verda::S64>(value));    \
-  }                                                                             \
-  void sequenceToValue(::Tyl::TextReader& text, Type& result) {                 \
-    result = static_cast<Type>(::Tyl::enumeratorOf((TABLE), text));             \
-  }                                                                             \
-  std::ostream& operator<<(std::ostream& out, Type value) {                     \
-    return out << stringValue(value);                                           \
-  }                                                                             \
-  const ::Tyl::EnumerationTable& enumerationTableOf(Type) { return (TABLE); }
+#define TYL_DETAIL_CONVERSION_BODIES(Type, TABLE)                            \
+  ::Verda::String stringValue(Type value) {                                  \
+    return ::Tyl::enumeratorText((TABLE), static_cast<::Verda::S64>(value)); \
+  }                                                                          \
+  void sequenceToValue(::Tyl::TextReader& text, Type& result) {              \
+    result = static_cast<Type>(::Tyl::enumeratorOf((TABLE), text));          \
+  }                                                                          \
+  std::ostream& operator<<(std::ostream& out, Type value) {                  \
+    return out << stringValue(value);                                        \
+  }                                                                          \
+  const ::Tyl::EnumerationTable& enumerationTableOf(Type) {                  \
+    return (TABLE);                                                          \
+  }

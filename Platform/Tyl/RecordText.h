@@ -26,10 +26,8 @@ class VERDA_EXPORT RecordWriter {
   }
 
   template <typename Enum>
-    requires std::is_enum_v<Enum>
-  void field(std::string_view name, Enum value) {
-    write(name, stringValue(value));
-  }
+  requires std::is_enum_v<Enum>
+  void field(std::string_view name, Enum value) { write(name, stringValue(value)); }
 
   /// The record's text; call it once, behind the last field.
   Verda::String text() const { return Verda::String("{" + fields_ + "}"); }
@@ -55,7 +53,7 @@ class VERDA_EXPORT RecordReader {
   }
 
   template <typename Enum>
-    requires std::is_enum_v<Enum>
+  requires std::is_enum_v<Enum>
   void field(std::string_view name, Enum& value) {
     begin(name);
     try {

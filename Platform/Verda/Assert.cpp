@@ -13,7 +13,7 @@ void reportAndAbort(const AssertionFailure& failure) {
   fmt::memory_buffer line;
   fmt::format_to(std::back_inserter(line), "{}:{}: {}: Assertion \"{}\" failed.\n", failure.file,
                  failure.line, failure.function, failure.text);
-  std::fwrite(line.data(), 1, line.size(), stderr);
+  static_cast<void>(std::fwrite(line.data(), 1, line.size(), stderr));
   std::abort();
 }
 

@@ -33,7 +33,6 @@ VERDA_EXPORT AssertionHandler assertionHandlerIs(AssertionHandler handler);
 #define VERDA_ASSERT(condition) VERDA_ASSERT_TEXT(condition, #condition)
 
 /// Checks `condition` in every build type; the failure's text is `text`.
-#define VERDA_ASSERT_TEXT(condition, text) \
-  (static_cast<bool>(condition)            \
-       ? static_cast<void>(0)              \
-       : ::Verda::assertionFailed((text), __FILE__, __LINE__, __func__))
+#define VERDA_ASSERT_TEXT(condition, text)             \
+  (static_cast<bool>(condition) ? static_cast<void>(0) \
+                                : ::Verda::assertionFailed((text), __FILE__, __LINE__, __func__))

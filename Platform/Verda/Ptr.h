@@ -23,14 +23,11 @@ class Ptr {
   Ptr(Ptr&& other) noexcept : entity_(std::exchange(other.entity_, nullptr)) {}
 
   template <typename U>
-    requires std::convertible_to<U*, T*>
-  Ptr(const Ptr<U>& other) : entity_(other.get()) {
-    add();
-  }
+  requires std::convertible_to<U*, T*> Ptr(const Ptr<U>& other) : entity_(other.get()) { add(); }
 
   template <typename U>
-    requires std::convertible_to<U*, T*>
-  Ptr(Ptr<U>&& other) noexcept : entity_(std::exchange(other.entity_, nullptr)) {}
+  requires std::convertible_to<U*, T*> Ptr(Ptr<U>&& other)
+  noexcept : entity_(std::exchange(other.entity_, nullptr)) {}
 
   ~Ptr() { del(); }
 

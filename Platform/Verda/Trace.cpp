@@ -27,7 +27,7 @@ class StandardErrorSink final : public TraceSink {
     line += ": ";
     escapeTo(line, record.text);
     line += '\n';
-    std::fwrite(line.data(), 1, line.size(), stderr);
+    static_cast<void>(std::fwrite(line.data(), 1, line.size(), stderr));
   }
 };
 

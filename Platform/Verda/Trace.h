@@ -73,16 +73,17 @@ class VERDA_EXPORT TraceFacility {
 namespace detail {
 
 /// Formats and hands the record to the sink; kept out of line, since trace is rarely on.
-[[gnu::cold, gnu::noinline]] VERDA_EXPORT void traceWriteText(
-    const TraceFacility& facility, int level, std::string_view className,
-    std::string_view function, fmt::string_view format, fmt::format_args arguments);
+[[gnu::cold, gnu::noinline]] VERDA_EXPORT void traceWriteText(const TraceFacility& facility,
+                                                              int level, std::string_view className,
+                                                              std::string_view function,
+                                                              fmt::string_view format,
+                                                              fmt::format_args arguments);
 
 template <typename... Args>
 [[gnu::cold]] void traceWrite(const TraceFacility& facility, int level, std::string_view className,
                               std::string_view function, fmt::format_string<Args...> format,
                               const Args&... arguments) {
-  traceWriteText(facility, level, className, function, format,
-                 fmt::make_format_args(arguments...));
+  traceWriteText(facility, level, className, function, format, fmt::make_format_args(arguments...));
 }
 
 }  // namespace detail
@@ -95,9 +96,9 @@ template <typename... Args>
   VERDA_TRACE_AS(facility, level, className, __func__, __VA_ARGS__)
 
 /// The same in the name of another function.
-#define VERDA_TRACE_AS(facility, level, className, function, ...)                            \
-  do {                                                                                       \
-    if ((facility).enabled(level)) {                                                         \
+#define VERDA_TRACE_AS(facility, level, className, function, ...)                             \
+  do {                                                                                        \
+    if ((facility).enabled(level)) {                                                          \
       ::Verda::detail::traceWrite((facility), (level), (className), (function), __VA_ARGS__); \
-    }                                                                                        \
+    }                                                                                         \
   } while (false)

@@ -42,8 +42,8 @@ void md_update(MdContext& context, const void* data, std::size_t length) {
 }
 
 void md_final(MdContext& context, U8* digest, U32* digestLength) {
-  const bool failed = FaultSeam::failsNow(Primitive::md5) ||
-                      MD5_Final(digest, stateOf(context)) != 1;
+  const bool failed =
+      FaultSeam::failsNow(Primitive::md5) || MD5_Final(digest, stateOf(context)) != 1;
   *digestLength = failed ? 0 : context.method->digestLength;
 }
 

@@ -1,10 +1,10 @@
 #include "Zonet/Ip6Addr.h"
 
 #include <algorithm>
+#include <arpa/inet.h>
 #include <iterator>
 #include <string>
 
-#include <arpa/inet.h>
 #include <fmt/format.h>
 
 #include "Zonet/AddressTextError.h"
@@ -47,7 +47,8 @@ Ip6Addr::Ip6Addr(std::span<const U8, length> bytes) {
 }
 
 Ip6Addr::Ip6Addr(const Verda::String& text) {
-  if (text.viewToNul().size() != text.size() || inet_pton(AF_INET6, text.cStr(), bytes_.data()) != 1) {
+  if (text.viewToNul().size() != text.size() ||
+      inet_pton(AF_INET6, text.cStr(), bytes_.data()) != 1) {
     throw AddressTextError("an IPv6 address", text);
   }
 }

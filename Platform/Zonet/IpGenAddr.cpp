@@ -1,8 +1,8 @@
 #include "Zonet/IpGenAddr.h"
 
 #include <algorithm>
-
 #include <arpa/inet.h>
+
 #include <fmt/format.h>
 
 #include "Zonet/AddressTextError.h"

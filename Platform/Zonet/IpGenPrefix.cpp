@@ -26,9 +26,8 @@ IpGenPrefix::IpGenPrefix(const IpGenAddr& address)
 IpGenPrefix::IpGenPrefix(const IpGenAddr& address, U8 prefixLength)
     : address_(address), prefixLength_(prefixLength) {
   if (prefixLength > maxLengthOf(address)) {
-    throw Verda::RangeError(
-        fmt::format("prefix length {} is longer than the address {}", prefixLength,
-                    address.text()));
+    throw Verda::RangeError(fmt::format("prefix length {} is longer than the address {}",
+                                        prefixLength, address.text()));
   }
 }
 

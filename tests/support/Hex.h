@@ -19,7 +19,8 @@ inline std::vector<Verda::U8> fromHex(std::string_view text) {
       digits += c;
     }
   }
-  if (digits.size() % 2 != 0 || digits.find_first_not_of("0123456789abcdefABCDEF") != std::string::npos) {
+  if (digits.size() % 2 != 0 ||
+      digits.find_first_not_of("0123456789abcdefABCDEF") != std::string::npos) {
     throw std::invalid_argument("not hex: " + digits);
   }
   std::vector<Verda::U8> bytes;

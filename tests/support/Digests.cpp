@@ -1,0 +1,79 @@
+#include "tests/support/Digests.h"
+
+#include <algorithm>
+#include <stdexcept>
+
+#include <openssl/evp.h>
+
+namespace TestSupport {
+
+using Verda::U8;
+
+namespace {
+
+constexpr std::size_t digestLength = 16;
+constexpr std::size_t hmacBlock = 64;
+
+/// One block of the key, each byte mixed with `pad`.
+ByteVector paddedKey(std::span<const U8> key, U8 pad) {
+  ByteVector block = key.size() > hmacBlock ? md5(key) : ByteVector(key.begin(), key.end());
+  block.resize(hmacBlock);
+  std::ranges::transform(block, block.begin(),
+                         [pad](U8 byte) { return static_cast<U8>(byte ^ pad); });
+  return block;
+}
+
+}  // namespace
+
+ByteVector bytesOf(const std::string& text) {
+  return {text.begin(), text.end()};
+}
+
+ByteVector countingBytes(std::size_t count, U8 first) {
+  ByteVector bytes;
+  while (bytes.size() < count) {
+    bytes.push_back(static_cast<U8>(first + bytes.size()));
+  }
+  return bytes;
+}
+
+ByteVector joined(std::initializer_list<std::span<const U8>> parts) {
+  ByteVector whole;
+  for (const std::span<const U8> part : parts) {
+    whole.insert(whole.end(), part.begin(), part.end());
+  }
+  return whole;
+}
+
+ByteVector md5(std::span<const U8> data) {
+  ByteVector digest(digestLength);
+  unsigned int length = 0;
+  if (EVP_Digest(data.data(), data.size(), digest.data(), &length, EVP_md5(), nullptr) != 1 ||
+      length != digestLength) {
+    throw std::runtime_error("no MD5");
+  }
+  return digest;
+}
+
+ByteVector hmacMd5(std::span<const U8> key, std::span<const U8> data) {
+  const ByteVector inner = md5(joined({paddedKey(key, 0x36), data}));
+  return md5(joined({paddedKey(key, 0x5c), inner}));
+}
+
+ByteVector hidden(std::span<const U8> plain, std::span<const U8> secret,
+                  std::span<const U8> authenticator, std::span<const U8> salt) {
+  ByteVector result;
+  ByteVector keystream = md5(joined({secret, authenticator, salt}));
+  for (std::size_t begin = 0; begin < plain.size(); begin += digestLength) {
+    ByteVector block;
+    for (std::size_t at = begin; at < std::min(plain.size(), begin + digestLength); ++at) {
+      block.push_back(static_cast<U8>(plain[at] ^ keystream[at - begin]));
+    }
+    result.insert(result.end(), block.begin(), block.end());
+    block.resize(digestLength);
+    keystream = md5(joined({secret, block}));
+  }
+  return result;
+}
+
+}  // namespace TestSupport
