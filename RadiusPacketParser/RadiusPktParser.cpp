@@ -368,7 +368,7 @@ class PacketWalk {
   ErrorMsg revealAndDecode(const Unit& unit) {
     std::array<U8, AttributeConstants::maxLength()> scratch;
     const std::span<U8> copy = std::span<U8>(scratch).first(unit.bytes.size());
-    std::ranges::copy(unit.bytes, copy.begin());
+    std::memcpy(copy.data(), unit.bytes.data(), unit.bytes.size());
     ErrorMsg fault = decryptAttribute(unit.key, copy.data(), secret_, reqAuth_, hdr_, unit.info,
                                       parser_.dictionary());
     if (fault == ErrorMsg::success) {

@@ -1,11 +1,13 @@
 #include "ZoCrypto/Cleanse.h"
 
+#include <cstring>
+
 #include <openssl/crypto.h>
 
 namespace ZoCrypto {
 
 void cleanse(std::span<Verda::U8> bytes) {
-  OPENSSL_cleanse(bytes.data(), bytes.size());
+  explicit_bzero(bytes.data(), bytes.size());
 }
 
 bool equalInConstantTime(std::span<const Verda::U8> left, std::span<const Verda::U8> right) {
