@@ -70,15 +70,13 @@ class Tokens {
   std::size_t count_ = 0;
 };
 
-/// Reads the lines of one dictionary file. Construction fails the assertion "file.is_open()" when
-/// the file, which may be a directory, cannot be read.
+/// Reads the lines of one dictionary file. What cannot be read fails the assertion
+/// "file.is_open()": at construction, or, like a directory, which opens, at the first line.
 class DictionaryFile {
  public:
   explicit DictionaryFile(const String& path) : file_(path.cStr()) {
     const bool pathHasNul = path.viewToNul().size() != path.size();
-    file_.peek();  // a directory opens and fails only here
-    VERDA_ASSERT_TEXT(!pathHasNul && file_.is_open() && !file_.bad(), "file.is_open()");
-    file_.clear();
+    VERDA_ASSERT_TEXT(!pathHasNul && file_.is_open(), "file.is_open()");
   }
 
   /// Goes to the next line that has tokens behind its comment's removal. Returns false at the end.
@@ -111,7 +109,7 @@ class DictionaryFile {
 
 /// Where a line stands, and in the name of which operation it is reported.
 struct Place {
-  std::string_view function;
+  const char* function;
   const String& path;
   U32 line;
 };
@@ -121,11 +119,11 @@ struct Place {
   VERDA_TRACE_AS(dictionaryTrace, Verda::traceErrors, "", (place).function, "File {}" format, \
                  (place).path __VA_OPT__(, ) __VA_ARGS__)
 
-/// The same, and the process ends.
-#define FATAL_PROBLEM(place, format, ...)                    \
-  do {                                                       \
-    TRACE_PROBLEM(place, format __VA_OPT__(, ) __VA_ARGS__); \
-    VERDA_ASSERT(false);                                     \
+/// The same, and the process ends by an assertion of the operation that reports.
+#define FATAL_PROBLEM(place, format, ...)                                    \
+  do {                                                                       \
+    TRACE_PROBLEM(place, format __VA_OPT__(, ) __VA_ARGS__);                 \
+    ::Verda::assertionFailed("false", __FILE__, __LINE__, (place).function); \
   } while (false)
 
 struct VendorLine {
@@ -299,7 +297,7 @@ class VendorBlockParser {
   }
 
  private:
-  static constexpr std::string_view function = "vendorAttributeParsingHelper";
+  static constexpr const char* function = "vendorAttributeParsingHelper";
 
   void parseVendor(const Place& place, const Tokens& tokens) {
     if (vendor_) {

@@ -115,6 +115,12 @@ class VERDA_EXPORT VendorMap : public Verda::Node {
   TYL_VALUE_COLLECTION(Verda::String, Verda::U32, vendorNameToId)
 };
 
+TYL_FACTORY(attributeNodeFactory, AttributeNode)
+TYL_FACTORY(vendorNodeFactory, VendorNode)
+TYL_FACTORY(vendorIdDictFactory, VendorIdDict)
+TYL_FACTORY(radiusDictFactory, RadiusDict)
+TYL_FACTORY(vendorMapFactory, VendorMap)
+
 /// Cuts `line` at its first `#`.
 VERDA_EXPORT void removeComments(std::string& line);
 

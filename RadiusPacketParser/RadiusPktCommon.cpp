@@ -135,10 +135,6 @@ Bytes hidingAuthenticator(const RadiusHdr& hdr, const Bytes& reqAuth) {
   return isRequest(hdr.code()) ? Bytes(hdr.authenticator().bytes()) : reqAuth;
 }
 
-bool isHidden(const AttrInfo& attrInfo) {
-  return attrInfo.encryptionType == userPasswordMethod || attrInfo.encryptionType == saltedMethod;
-}
-
 /// Hides or reveals the value of the type-length-value unit at `unit`.
 ErrorMsg transformUnit(U8* unit, const String& secret, const Bytes& reqAuth, const RadiusHdr& hdr,
                        const AttrInfo& attrInfo, bool encrypt) {

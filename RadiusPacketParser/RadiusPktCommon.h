@@ -146,6 +146,15 @@ VERDA_EXPORT ErrorMsg validateMessageAuthenticator(const Verda::Ptr<Zonet::Pkt>&
 inline constexpr Verda::U8 userPasswordMethod = 1;  ///< RFC 2865 section 5.2
 inline constexpr Verda::U8 saltedMethod = 2;        ///< RFC 2868 section 3.5, RFC 2548
 
+/// Whether the dictionary asks for a method of hiding that this codec applies.
+constexpr bool isHidden(const AttrInfo& attrInfo) {
+  return attrInfo.encryptionType == userPasswordMethod || attrInfo.encryptionType == saltedMethod;
+}
+
+/// Where the prefix length stands in the value of an `ipv6prefix` attribute, behind the reserved
+/// byte (RFC 3162 section 2.3).
+inline constexpr std::size_t ipv6PrefixLengthOffset = 1;
+
 /// Hides or reveals a value in place. Tag and salt stay in the clear; a value too short to hold
 /// them is left alone. Neither padding nor a length byte is added or taken off.
 /// @param data            the first value byte

@@ -163,7 +163,7 @@ ErrorMsg decodeIp6Prefix(const Attribute& key, ByteView bytes, AttrValue& value)
       bytes.size() > AttributeConstants::maxIpv6PrefixAttrLength()) {
     return invalidValueLength(key, "Ipv6Prefix", bytes.size());
   }
-  const U8 prefixLength = bytes[1];
+  const U8 prefixLength = bytes[ipv6PrefixLengthOffset];
   if (prefixLength > AttributeConstants::maxPrefixLength()) {
     TRACE_FAULT(
         "Attribute: {}, VendorId: {}, VendorAttrId: {}, Data Type: Ipv6Prefix, Invalid prefix "
@@ -369,14 +369,12 @@ class PacketWalk {
     std::array<U8, AttributeConstants::maxLength()> scratch;
     const std::span<U8> copy = std::span<U8>(scratch).first(unit.bytes.size());
     std::memcpy(copy.data(), unit.bytes.data(), unit.bytes.size());
+    const ZoCrypto::CleanseOnExit clean(isHidden(unit.info) ? copy : copy.first(0));
     ErrorMsg fault = decryptAttribute(unit.key, copy.data(), secret_, reqAuth_, hdr_, unit.info,
                                       parser_.dictionary());
     if (fault == ErrorMsg::success) {
       fault =
           decodeValue(unit.key, unit.info, copy.subspan(AttributeConstants::valueOffset()), value_);
-    }
-    if (unit.info.encryptionType != 0) {
-      ZoCrypto::cleanse(copy);
     }
     return fault;
   }

@@ -225,7 +225,7 @@ TYL_FACTORY(radiusHdrReturnFactory, RadiusHdrReturn)
 TYL_FACTORY(pktInfoBaseFactory, PktInfoBase)
 TYL_FACTORY(concatAttrFactory, ConcatAttr)
 
-/// Where the codec traces: "RadiusPacketParser::RadiusPktParser".
+/// Where the codec traces: "RadiusPacketParser::RadiusPktParser". The library's own: not exported.
 extern Verda::TraceFacility codecTrace;
 
 }  // namespace RadiusPktParserBase

@@ -4,8 +4,10 @@
 #include <span>
 #include <string_view>
 
+#include "Tyl/Entity.h"
 #include "Tyl/TextReader.h"
 #include "Verda/Export.h"
+#include "Verda/Node.h"
 #include "Verda/String.h"
 #include "Verda/Types.h"
 
@@ -49,13 +51,15 @@ VERDA_EXPORT Verda::S64 enumeratorOf(const EnumerationTable& table, TextReader& 
 
 /// Declares an enumeration holder from its list (a macro that applies its argument to the name and
 /// number of each enumerator, in declared order):
-/// - `class Holder` with the enumeration `Holder::HolderEnum`, stored as `Storage`;
+/// - the entity `Holder` with the enumeration `Holder::HolderEnum`, stored as `Storage`;
 /// - `Holder::HolderEnumInstance(name)` and `Holder::HolderEnumInstance(number)`, the latter from a
 ///   `Number`; both throw `Verda::RangeError` for what is no enumerator;
 /// - `Holder::enumerationTable()`;
 /// - the free functions of `TYL_DETAIL_CONVERSIONS`.
 #define TYL_ENUMERATION_HOLDER(Holder, Storage, Number, LIST)              \
-  class VERDA_EXPORT Holder {                                              \
+  class VERDA_EXPORT Holder : public ::Verda::Node {                       \
+    TYL_ENTITY(Holder)                                                     \
+                                                                           \
    public:                                                                 \
     enum Holder##Enum : Storage{LIST(TYL_DETAIL_ENUMERATOR)};              \
     static Holder##Enum Holder##EnumInstance(const ::Verda::String& name); \
@@ -86,6 +90,7 @@ VERDA_EXPORT Verda::S64 enumeratorOf(const EnumerationTable& table, TextReader& 
 
 /// Defines what `TYL_ENUMERATION_HOLDER` declares; in one source, in the holder's namespace.
 #define TYL_ENUMERATION_HOLDER_TABLE(Holder, Number, LIST)                                  \
+  TYL_ENTITY_TYPE(Holder)                                                                   \
   const ::Tyl::EnumerationTable& Holder::enumerationTable() {                               \
     static constexpr ::Tyl::Enumerator rows[] = {LIST(TYL_DETAIL_TABLE_ROW)};               \
     static constexpr ::Tyl::EnumerationTable table{#Holder, rows};                          \

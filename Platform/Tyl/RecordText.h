@@ -4,6 +4,7 @@
 #include <limits>
 #include <string>
 #include <string_view>
+#include <type_traits>
 
 #include "Tyl/Enumeration.h"
 #include "Tyl/TextReader.h"

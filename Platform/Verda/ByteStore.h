@@ -50,44 +50,46 @@ class ByteStore {
   void assign(const void* bytes, std::size_t size) {
     if (size > capacity_) {
       grow(size, 0);
+      put(heap_.get(), bytes, size);
+    } else {
+      put(data(), bytes, size);
     }
-    if (size > 0) {
-      std::memmove(data(), bytes, size);
-    }
-    setSize(size);
+    size_ = static_cast<U32>(size);
   }
 
-  /// Adds to the end; `bytes` may not lie inside the content itself.
+  /// Adds to the end; `bytes` may lie inside the content itself.
   void append(const void* bytes, std::size_t size) {
     if (size > capacity_ - size_) {
-      grow(std::size_t{size_} + size, size_);
+      const std::unique_ptr<U8[]> old = grow(std::size_t{size_} + size, size_);
+      put(heap_.get() + size_, bytes, size);
+    } else {
+      put(data() + size_, bytes, size);
     }
-    if (size > 0) {
-      std::memcpy(data() + size_, bytes, size);
-    }
-    setSize(size_ + size);
+    size_ += static_cast<U32>(size);
   }
 
  private:
   static constexpr std::size_t maxSize = std::numeric_limits<U32>::max() - 1;
 
-  void setSize(std::size_t size) {
-    size_ = static_cast<U32>(size);
-    data()[size_] = 0;
+  /// Writes the last `size` bytes of the content to `to`, and the zero byte behind them.
+  static void put(U8* to, const void* bytes, std::size_t size) {
+    if (size > 0) {
+      std::memmove(to, bytes, size);
+    }
+    to[size] = 0;
   }
 
-  /// Makes room for `size` bytes, at least doubling, and keeps the first `kept` ones.
-  void grow(std::size_t size, std::size_t kept) {
+  /// Makes room for `size` bytes, at least doubling, and keeps the first `kept` ones. Returns the
+  /// storage before it, where the bytes that the caller is about to copy may lie.
+  std::unique_ptr<U8[]> grow(std::size_t size, std::size_t kept) {
     if (size > maxSize) {
       throw std::length_error("a byte string is limited to 4 GiB");
     }
     const std::size_t capacity = std::min(maxSize, std::max(size, std::size_t{capacity_} * 2));
     std::unique_ptr<U8[]> larger(new U8[capacity + 1]);
     std::memcpy(larger.get(), data(), kept);
-    // Bytes inside the content are never more than its capacity, so `assign` grows only for bytes
-    // from elsewhere, and releasing the old storage here cannot take them away.
-    heap_ = std::move(larger);
     capacity_ = static_cast<U32>(capacity);
+    return std::exchange(heap_, std::move(larger));
   }
 
   void take(ByteStore& other) noexcept {

@@ -57,6 +57,18 @@ class HashTable {
     typename Slots::const_iterator end_;
   };
 
+  HashTable() = default;
+  HashTable(const HashTable&) = default;
+  HashTable(HashTable&& other) noexcept
+      : slots_(std::move(other.slots_)), size_(std::exchange(other.size_, 0)) {}
+  ~HashTable() = default;
+
+  HashTable& operator=(HashTable other) noexcept {
+    std::swap(slots_, other.slots_);
+    std::swap(size_, other.size_);
+    return *this;
+  }
+
   std::size_t size() const { return size_; }
   bool empty() const { return size_ == 0; }
   Iterator begin() const { return {slots_.begin(), slots_.end()}; }

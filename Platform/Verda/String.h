@@ -3,6 +3,7 @@
 #include <compare>
 #include <concepts>
 #include <ostream>
+#include <span>
 #include <string>
 #include <string_view>
 

@@ -31,8 +31,14 @@ class StandardErrorSink final : public TraceSink {
   }
 };
 
-StandardErrorSink standardErrorSink;
-std::atomic<TraceSink*> installedSink{&standardErrorSink};
+/// Null stands for the default.
+std::atomic<TraceSink*> installedSink{nullptr};
+
+/// The default is never destroyed: other threads may trace while the process ends.
+TraceSink* orDefault(TraceSink* sink) {
+  static auto* const standardErrorSink = new StandardErrorSink;
+  return sink == nullptr ? standardErrorSink : sink;
+}
 
 struct FacilityRegistry {
   std::mutex mutex;
@@ -52,7 +58,7 @@ FacilityRegistry& registry() {
 TraceSink::~TraceSink() = default;
 
 TraceSink* traceSinkIs(TraceSink* sink) {
-  return installedSink.exchange(sink == nullptr ? &standardErrorSink : sink);
+  return orDefault(installedSink.exchange(sink));
 }
 
 void traceThresholdIs(int threshold) {
@@ -97,8 +103,9 @@ void traceWriteText(const TraceFacility& facility, int level, std::string_view c
                     fmt::format_args arguments) {
   fmt::memory_buffer text;
   fmt::vformat_to(std::back_inserter(text), format, arguments);
-  installedSink.load()->record(TraceRecord{facility.name(), level, className, function,
-                                           std::string_view(text.data(), text.size())});
+  orDefault(installedSink.load())
+      ->record(TraceRecord{facility.name(), level, className, function,
+                           std::string_view(text.data(), text.size())});
 }
 
 }  // namespace detail

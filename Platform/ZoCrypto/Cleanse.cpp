@@ -7,7 +7,9 @@
 namespace ZoCrypto {
 
 void cleanse(std::span<Verda::U8> bytes) {
-  explicit_bzero(bytes.data(), bytes.size());
+  if (!bytes.empty()) {
+    explicit_bzero(bytes.data(), bytes.size());
+  }
 }
 
 bool equalInConstantTime(std::span<const Verda::U8> left, std::span<const Verda::U8> right) {

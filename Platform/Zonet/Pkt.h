@@ -2,6 +2,7 @@
 
 #include <memory>
 #include <span>
+#include <utility>
 
 #include "Tyl/Entity.h"
 #include "Verda/Export.h"

@@ -23,7 +23,7 @@ class WireReader {
   std::size_t remaining() const { return rest_.size(); }
   bool empty() const { return rest_.empty(); }
 
-  /// The next byte without taking it.
+  /// The byte `offset` bytes ahead, without taking anything.
   bool peek(std::size_t offset, U8& value) const {
     if (offset >= rest_.size()) {
       return false;

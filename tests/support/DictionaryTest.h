@@ -1,5 +1,6 @@
 #pragma once
 
+#include <algorithm>
 #include <map>
 #include <optional>
 #include <ostream>
@@ -10,8 +11,9 @@
 #include <fmt/format.h>
 #include <gtest/gtest.h>
 
-#include "RadiusPacketParser/RadiusDictionaryParser.h"
 #include "Verda/Trace.h"
+
+#include "RadiusPacketParser/RadiusDictionaryParser.h"
 #include "tests/support/CapturingSink.h"
 #include "tests/support/CatchAssertion.h"
 #include "tests/support/TemporaryFolder.h"
@@ -52,9 +54,8 @@ inline CapturedRecord messageOf(std::string_view function, std::string_view path
 
 /// The entry as one line, as in "69 Tunnel-Password string has_tag encrypt=2".
 inline std::string describe(const RadiusPacketParser::RadiusNode& entry) {
-  std::string line =
-      fmt::format("{} {} {}", entry.attributeOid(), entry.attributeName(),
-                  RadiusPacketParser::stringValue(entry.attributeType()));
+  std::string line = fmt::format("{} {} {}", entry.attributeOid(), entry.attributeName(),
+                                 RadiusPacketParser::stringValue(entry.attributeType()));
   line += entry.hasTag() ? " has_tag" : "";
   line += entry.concat() ? " concat" : "";
   if (entry.attributeEncryptionType() != 0) {
@@ -66,7 +67,7 @@ inline std::string describe(const RadiusPacketParser::RadiusNode& entry) {
 /// A collection's members by ascending key; the collections themselves promise no order.
 template <typename Collection>
 auto sorted(const Collection& collection) {
-  using Member = Collection::Member;
+  using Member = typename Collection::Member;
   std::map<decltype(Member::key), decltype(Member::value)> members;
   for (const auto& member : collection) {
     members.emplace(member.key, member.value);

@@ -85,8 +85,7 @@ ByteVector PacketMaker::make() const {
 void PacketMaker::sign(ByteVector& packet) const {
   // A secret counts up to its first zero byte.
   const ByteVector secret = bytesOf(secret_.substr(0, secret_.find('\0')));
-  ByteVector covered =
-      isPlainRequest() ? ownAuthenticator_ : reqAuth_.value_or(reqAuthFor(code_));
+  ByteVector covered = isPlainRequest() ? ownAuthenticator_ : reqAuth_.value_or(reqAuthFor(code_));
   covered.resize(authenticatorLength);
   put(packet, authenticatorAt, covered);
   if (messageAuthenticatorAt_.has_value()) {

@@ -19,8 +19,8 @@ ByteVector attributeBytes(Verda::U8 type, const ByteVector& value);
 /// A Vendor-Specific attribute of one sub-attribute.
 ByteVector vendorBytes(Verda::U32 vendorId, Verda::U8 vendorType, const ByteVector& value);
 
-/// Makes packets of any code and content, and signs them as their code asks for, with digests of its
-/// own.
+/// Makes packets of any code and content, and signs them as their code asks for, with digests of
+/// its own.
 class PacketMaker {
  public:
   explicit PacketMaker(Verda::U8 code) : code_(code) {}

@@ -8,8 +8,8 @@
 
 namespace TestSupport {
 
-using RadiusPktParserBase::AttrInfo;
 using RadiusPktParserBase::Attribute;
+using RadiusPktParserBase::AttrInfo;
 using RadiusPktParserBase::AttrValue;
 using RadiusPktParserBase::PktInfoParser;
 
@@ -42,10 +42,10 @@ std::string nameOf(const Attribute& key, const AttrInfo& info,
     return "-";
   }
   const bool isVendor = key.attrId == 26;
-  return std::string(
-      isVendor
-          ? dictionary.vendorAttribute(key.vendorId)->vendorNodeDict(key.vendorAttrId)->attributeName()
-          : dictionary.radiusAttribute(key.attrId)->attributeName());
+  return std::string(isVendor ? dictionary.vendorAttribute(key.vendorId)
+                                    ->vendorNodeDict(key.vendorAttrId)
+                                    ->attributeName()
+                              : dictionary.radiusAttribute(key.attrId)->attributeName());
 }
 
 }  // namespace
@@ -92,9 +92,9 @@ ByteVector bytesOf(const Verda::Ptr<Zonet::Pkt>& pkt) {
 std::string directiveOf(const Received& received,
                         const RadiusPacketParser::RadiusDict& dictionary) {
   const Attribute& key = received.key;
-  std::string line = fmt::format("{}.{}.{} {} {}", key.attrId, key.vendorId, key.vendorAttrId,
-                                 nameOf(key, received.info, dictionary),
-                                 stringValue(received.info.attributeType));
+  std::string line =
+      fmt::format("{}.{}.{} {} {}", key.attrId, key.vendorId, key.vendorAttrId,
+                  nameOf(key, received.info, dictionary), stringValue(received.info.attributeType));
   const std::string value = std::visit(ValueText{}, received.value);
   return value.empty() ? line : line + " " + value;
 }

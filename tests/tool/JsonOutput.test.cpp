@@ -1,0 +1,74 @@
+#include "tool/JsonOutput.h"
+
+#include <gtest/gtest.h>
+#include <nlohmann/json.hpp>
+
+#include "tests/tool/SampleReport.h"
+
+namespace RadiusPacketTool {
+namespace {
+
+using RadiusPktParserBase::ErrorMsg;
+using RadiusPktParserBase::vendorAttribute;
+
+TEST(JsonOutput, WritesAGoodPacketOnOneLine) {
+  PacketReport report = sampleReport();
+  report.messageAuthenticatorPresent = true;
+  EXPECT_EQ(jsonOf(report),
+            R"({"source":"file.hex","index":2,"code":2,"codeName":"ACCESS_ACCEPT","id":7,)"
+            R"("length":20,"authenticator":"000102030405060708090a0b0c0d0e0f","error":"success",)"
+            R"("reason":null,"messageAuthenticator":true,"attributes":[]})"
+            "\n");
+}
+
+TEST(JsonOutput, WritesNullForWhatAShortPacketLacks) {
+  PacketReport report;
+  report.source = "-";
+  report.index = 1;
+  report.error = ErrorMsg::invalidPktLength;
+  report.reason = "Packet has invalid length: 0";
+  EXPECT_EQ(jsonOf(report),
+            R"({"source":"-","index":1,"code":null,"codeName":null,"id":null,"length":null,)"
+            R"("authenticator":null,"error":"invalidPktLength",)"
+            R"("reason":"Packet has invalid length: 0","messageAuthenticator":false,)"
+            R"("attributes":[]})"
+            "\n");
+}
+
+TEST(JsonOutput, WritesNullForTheErrorOfAPacketThatWasNotDecoded) {
+  PacketReport report = sampleReport();
+  report.error.reset();
+  report.code = 14;
+  const auto json = nlohmann::json::parse(jsonOf(report));
+  EXPECT_TRUE(json.at("error").is_null());
+  EXPECT_EQ(json.at("codeName"), "RadiusCode(14)");
+}
+
+TEST(JsonOutput, WritesAttributesInOrder) {
+  PacketReport report = sampleReport();
+  report.attributes = {sampleAttribute("Tunnel-Type", ShownNumber{16777215, ""}, 0),
+                       sampleAttribute("Attr-26.9.1", ShownText{R"(a\"\\\x00)"})};
+  report.attributes[0].type = RadiusPacketParser::RadiusAttributeType::integer;
+  report.attributes[0].wire = {0, 0xff, 0xff, 0xff};
+  report.attributes[1].key = vendorAttribute(4294967295U, 255);
+  const auto json = nlohmann::ordered_json::parse(jsonOf(report));
+  EXPECT_EQ(json.at("attributes").dump(),
+            R"([{"attrId":250,"vendorId":0,"vendorAttrId":0,"name":"Tunnel-Type",)"
+            R"("type":"integer","tag":0,"value":16777215,"hex":"00ffffff"},)"
+            R"({"attrId":26,"vendorId":4294967295,"vendorAttrId":255,"name":"Attr-26.9.1",)"
+            R"("type":"unknown","tag":null,"value":"a\\\"\\\\\\x00","hex":""}])");
+}
+
+TEST(JsonOutput, IsUtf8WhateverNamesHold) {
+  PacketReport report = sampleReport();
+  report.source = "\xff\x1b";
+  report.reason = "\xc3";
+  report.attributes = {sampleAttribute("\xe2\x82", ShownPlain{""})};
+  const auto json = nlohmann::json::parse(jsonOf(report));
+  EXPECT_EQ(json.at("source"), R"(\xff\x1b)");
+  EXPECT_EQ(json.at("reason"), R"(\xc3)");
+  EXPECT_EQ(json.at("attributes").at(0).at("name"), R"(\xe2\x82)");
+}
+
+}  // namespace
+}  // namespace RadiusPacketTool

@@ -1,0 +1,87 @@
+#include "tool/TextOutput.h"
+
+#include <gtest/gtest.h>
+
+#include "tests/tool/SampleReport.h"
+
+namespace RadiusPacketTool {
+namespace {
+
+using RadiusPktParserBase::ErrorMsg;
+
+constexpr const char* sampleHeader =
+    "ACCESS_ACCEPT, id 7, length 20, authenticator 000102030405060708090a0b0c0d0e0f (verified), "
+    "packet 2 of file.hex\n";
+
+TEST(TextOutput, BeginsWithAHeaderLine) {
+  EXPECT_EQ(textOf(sampleReport()), sampleHeader);
+}
+
+TEST(TextOutput, SaysWhatWasFoundOutAboutTheAuthenticators) {
+  PacketReport report = sampleReport();
+  report.authenticatorCheck = Check::unchecked;
+  report.messageAuthenticatorCheck = Check::verified;
+  EXPECT_EQ(textOf(report),
+            "ACCESS_ACCEPT, id 7, length 20, authenticator 000102030405060708090a0b0c0d0e0f "
+            "(unchecked), Message-Authenticator (verified), packet 2 of file.hex\n");
+  report.authenticatorCheck = Check::wrong;
+  report.messageAuthenticatorCheck = Check::unchecked;
+  EXPECT_EQ(textOf(report),
+            "ACCESS_ACCEPT, id 7, length 20, authenticator 000102030405060708090a0b0c0d0e0f "
+            "(wrong), Message-Authenticator (unchecked), packet 2 of file.hex\n");
+}
+
+TEST(TextOutput, PrintsTheNumberOfACodeWithoutName) {
+  PacketReport report;
+  report.source = "-";
+  report.index = 1;
+  report.code = 14;
+  report.error = ErrorMsg::success;
+  EXPECT_EQ(textOf(report), "RadiusCode(14), packet 1 of -\n");
+}
+
+TEST(TextOutput, PrintsOneLineForEachAttribute) {
+  PacketReport report = sampleReport();
+  report.attributes = {sampleAttribute("Acct-Status-Type", ShownNumber{1, "START"}),
+                       sampleAttribute("NAS-Port", ShownNumber{3, ""}),
+                       sampleAttribute("User-Name", ShownText{R"(a\"b)"}),
+                       sampleAttribute("State", ShownPlain{"0x0102"})};
+  EXPECT_EQ(textOf(report), std::string(sampleHeader) +
+                                "Acct-Status-Type = START (1)\n"
+                                "NAS-Port = 3\n"
+                                "User-Name = \"a\\\"b\"\n"
+                                "State = 0x0102\n");
+}
+
+TEST(TextOutput, PrintsTagsBehindTheName) {
+  PacketReport report = sampleReport();
+  report.attributes = {sampleAttribute("Tunnel-Type", ShownNumber{3, ""}, 0),
+                       sampleAttribute("Tunnel-Type", ShownNumber{3, ""}, 255)};
+  EXPECT_EQ(textOf(report), std::string(sampleHeader) + "Tunnel-Type:0 = 3\nTunnel-Type:255 = 3\n");
+}
+
+TEST(TextOutput, EndsARefusedPacketWithTheFault) {
+  PacketReport report = sampleReport();
+  report.error = ErrorMsg::invalidMsgAuth;
+  EXPECT_EQ(textOf(report), std::string(sampleHeader) + "refused: invalidMsgAuth\n");
+  report.reason = "Message authenticator present more than once";
+  EXPECT_EQ(textOf(report),
+            std::string(sampleHeader) +
+                "refused: invalidMsgAuth: Message authenticator present more than once\n");
+  report.error.reset();
+  report.reason = "no Request Authenticator";
+  EXPECT_EQ(textOf(report), std::string(sampleHeader) + "refused: no Request Authenticator\n");
+}
+
+TEST(TextOutput, NamesCannotDriveATerminal) {
+  PacketReport report = sampleReport();
+  report.source = "\x1b[2J\xff";
+  report.attributes = {sampleAttribute("a\x1b[31m", ShownNumber{})};
+  EXPECT_EQ(textOf(report),
+            "ACCESS_ACCEPT, id 7, length 20, authenticator 000102030405060708090a0b0c0d0e0f "
+            "(verified), packet 2 of \\x1b[2J\\xff\n"
+            "a\\x1b[31m = 0\n");
+}
+
+}  // namespace
+}  // namespace RadiusPacketTool

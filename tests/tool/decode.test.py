@@ -1,0 +1,831 @@
+"""`radius-packet decode` as a script sees it: arguments, streams, exit status, JSON.
+
+    decode.test.py PROGRAM DATA
+
+PROGRAM is the built program, DATA the folder with the golden packets and the vectors.
+"""
+
+import hashlib
+import hmac
+import ipaddress
+import json
+import os
+import pathlib
+import random
+import re
+import signal
+import subprocess
+import sys
+import tempfile
+import unittest
+
+PROGRAM, DATA = sys.argv[1], pathlib.Path(sys.argv[2])
+DICTIONARIES = DATA.parent.parent / "dictionaries"
+GOLDEN_COUNT = 142
+VARIABLE = "RADIUS_PACKET_SECRET"
+SECRET = "golden-packets"
+REQUEST_AUTHENTICATOR = bytes(range(0xA0, 0xB0))
+REQUEST_CODES = (1, 4, 12, 40, 43)
+CHECK_FAILED = ("invalidPktAuth", "invalidMsgAuth", "missingRequiredMsgAuth")
+PACKET_KEYS = [
+    "source", "index", "code", "codeName", "id", "length", "authenticator", "error", "reason",
+    "messageAuthenticator", "attributes",
+]
+ATTRIBUTE_KEYS = ["attrId", "vendorId", "vendorAttrId", "name", "type", "tag", "value", "hex"]
+MISSING = "no Request Authenticator: give that of the request which this packet answers with -a HEX"
+
+
+class Result:
+    def __init__(self, completed):
+        self.status = completed.returncode
+        self.output = completed.stdout
+        self.text = completed.stdout.decode()
+        self.errors = completed.stderr.decode()
+
+    @property
+    def packets(self):
+        return [json.loads(line) for line in self.text.splitlines()]
+
+
+def run(*arguments, stdin=b"", variable=None, **options):
+    """Runs the program, with the secret's variable as given or unset."""
+    environment = {key: value for key, value in os.environ.items() if key != VARIABLE}
+    if variable is not None:
+        environment[VARIABLE] = variable
+    stdin = stdin if isinstance(stdin, bytes) else stdin.encode()
+    return Result(subprocess.run([PROGRAM, *arguments], input=stdin, env=environment, timeout=120,
+                                 stdout=subprocess.PIPE, stderr=subprocess.PIPE, **options))
+
+
+def decode(*arguments, stdin=b"", secret=SECRET, **options):
+    """Decodes with a secret in the variable."""
+    return run("decode", *arguments, stdin=stdin, variable=secret, **options)
+
+
+# ---- Packets ----
+
+
+def attribute(number, value):
+    return bytes([number, len(value) + 2]) + value
+
+
+def vendor_attribute(vendor, number, value):
+    return attribute(26, vendor.to_bytes(4, "big") + attribute(number, value))
+
+
+def packet(code, *attributes, request_authenticator=REQUEST_AUTHENTICATOR, secret=SECRET):
+    """A packet of that code, signed as its code asks for."""
+    content = b"".join(attributes)
+    head = bytes([code, 7]) + (20 + len(content)).to_bytes(2, "big")
+    if code in (1, 12):
+        return head + bytes(range(16)) + content
+    covered = bytes(16) if code in REQUEST_CODES else request_authenticator
+    digest = hashlib.md5(head + covered + content + secret.encode()).digest()
+    return head + digest + content
+
+
+def signed_request(*attributes):
+    """An Access-Request that ends with a Message-Authenticator."""
+    unsigned = packet(1, *attributes, attribute(80, bytes(16)))
+    return unsigned[:-16] + hmac.digest(SECRET.encode(), unsigned, "md5")
+
+
+def hidden(value, salt, authenticator=REQUEST_AUTHENTICATOR):
+    """A value hidden as RFC 2868 section 3.5 says, behind its salt."""
+    value += bytes(-len(value) % 16)
+    result, block = b"", authenticator + salt
+    for at in range(0, len(value), 16):
+        keystream = hashlib.md5(SECRET.encode() + block).digest()
+        block = bytes(a ^ b for a, b in zip(value[at:at + 16], keystream))
+        result += block
+    return salt + result
+
+
+GOOD_REQUEST = packet(1, attribute(1, b"alice"))
+GOOD_RESPONSE = packet(2, attribute(1, b"alice"))
+A_OPTION = ("-a", REQUEST_AUTHENTICATOR.hex())
+
+
+# ---- The golden packets ----
+
+
+class Golden:
+    def __init__(self, path):
+        self.path, self.attributes, digits = path, [], ""
+        for line in path.read_text().splitlines():
+            directive = re.fullmatch(r"# ([a-z-]+):(?: (.*))?", line)
+            if directive and not digits:
+                key, value = directive[1], directive[2] or ""
+                if key == "attribute":
+                    self.attributes.append(value)
+                else:
+                    setattr(self, key.replace("-", "_"), value)
+            digits += line.split("#")[0]
+        self.packet = bytes.fromhex(digits)
+
+    def decode(self, folder, *options):
+        secret = pathlib.Path(folder) / "secret"
+        secret.write_bytes(bytes.fromhex(self.secret) + b"\n")
+        given = ("-a", self.request_authenticator) if self.request_authenticator else ()
+        return run("decode", "-s", secret, *given, *options, self.path)
+
+
+def golden_packets():
+    return [Golden(path) for path in sorted((DATA / "packets").glob("*.txt"))]
+
+
+def dictionary_flags():
+    """The flags of every attribute by its key."""
+    flags, vendor = {}, 0
+    for path in DICTIONARIES.glob("dictionary.*"):
+        vendor = 0
+        for line in path.read_text().splitlines():
+            words = line.split("#")[0].split()
+            if words[:1] == ["VENDOR"]:
+                vendor = int(words[2])
+            if words[:1] == ["ATTRIBUTE"]:
+                key = (26, vendor, int(words[2])) if vendor else (int(words[2]), 0, 0)
+                flags[key] = words[4].split(",") if len(words) > 4 else []
+    return flags
+
+
+FLAGS = dictionary_flags()
+
+
+def escaped(value):
+    """Text as it stands between quotes."""
+    text, at = "", 0
+    names = {"\n": "\\n", "\r": "\\r", "\t": "\\t", '"': '\\"', "\\": "\\\\"}
+    while at < len(value):
+        for end in range(at + 1, min(at + 5, len(value) + 1)):
+            try:
+                character = value[at:end].decode()
+                break
+            except UnicodeDecodeError:
+                character = None
+        if character is None:
+            character, end = "", at + 1
+        if character in names:
+            text += names[character]
+        elif not character or ord(character) < 0x20 or 0x7F <= ord(character) < 0xA0:
+            text += "".join(f"\\x{byte:02x}" for byte in value[at:end])
+        else:
+            text += character
+        at = end
+    return text
+
+
+def shown_bytes(value, kind, flags):
+    """Tag and shown value of delivered bytes."""
+    tag = None
+    if "has_tag" in flags and value:
+        tag, value = value[0], value[1:]
+    if "encrypt=1" in flags:
+        value = value.rstrip(b"\0")
+    if "encrypt=2" in flags:
+        value = value[2:]
+        if not value or value[0] > len(value) - 1:
+            return tag, "0x" + value.hex()
+        value = value[1:1 + value[0]]
+    return tag, escaped(value) if kind == "string" else "0x" + value.hex()
+
+
+def shown(directive, wire):
+    """What JSON says of an attribute that the hook received as `directive` says."""
+    numbers, name, kind, *rest = directive.split(" ")
+    key = tuple(int(number) for number in numbers.split("."))
+    flags, delivered = FLAGS.get(key, []), rest[0] if rest else ""
+    if name == "-":
+        name = "Attr-" + (".".join(map(str, key)) if key[0] == 26 else str(key[0]))
+    tag = None
+    if kind in ("string", "octets", "unknown"):
+        tag, value = shown_bytes(bytes.fromhex(delivered), kind, flags)
+    elif kind in ("integer", "date"):
+        value = int(delivered)
+        if "has_tag" in flags:
+            tag, value = divmod(value, 1 << 24)
+    elif kind == "integer64":
+        value = str(int(delivered, 16))
+    elif kind == "ipv6prefix":
+        value = f"{delivered}/{wire[1]}"
+    elif kind == "ifid":
+        value = ipaddress.IPv6Address(delivered).exploded[-19:]
+    else:
+        value = delivered
+    return dict(zip(ATTRIBUTE_KEYS, [*key, name, kind, tag, value, wire.hex()]))
+
+
+def wire_values(content):
+    """The values of well-formed attributes; that of the sub-attribute for a vendor's."""
+    values = []
+    while content:
+        inner = 8 if content[0] == 26 else 2
+        values.append(content[inner:content[1]])
+        content = content[content[1]:]
+    return values
+
+
+class GoldenPackets(unittest.TestCase):
+    def test_none_is_lost(self):
+        self.assertEqual(len(golden_packets()), GOLDEN_COUNT)
+
+    def test_json_says_what_the_directives_say(self):
+        with tempfile.TemporaryDirectory() as folder:
+            for golden in golden_packets():
+                with self.subTest(golden.path.name):
+                    self.check(golden, golden.decode(folder, "--json"))
+
+    def check(self, golden, result):
+        (report,) = result.packets
+        self.assertEqual(list(report), PACKET_KEYS)
+        self.assertEqual(report["source"], str(golden.path))
+        self.assertEqual(report["index"], 1)
+        self.assertEqual(report["code"], golden.packet[0])
+        self.assertEqual(report["error"], golden.result)
+        self.assertEqual(report["reason"], golden.reason or None)
+        wire = [bytes.fromhex(entry["hex"]) for entry in report["attributes"]]
+        self.assertEqual(len(wire), len(golden.attributes))
+        self.assertEqual(report["attributes"], list(map(shown, golden.attributes, wire)))
+        if golden.result == "success":
+            self.assertEqual(wire, wire_values(golden.packet[20:report["length"]]))
+            self.assertEqual((result.status, result.errors), (0, ""))
+        else:
+            fault = golden.result + (f": {golden.reason}" if golden.reason else "")
+            self.assertEqual(result.errors,
+                             f"radius-packet: packet 1 of {golden.path} refused: {fault}\n")
+            self.assertEqual(result.status, 1 if golden.result in CHECK_FAILED else 2)
+
+    def test_text_has_a_header_and_a_line_for_each_attribute(self):
+        with tempfile.TemporaryDirectory() as folder:
+            for golden in golden_packets():
+                with self.subTest(golden.path.name):
+                    lines = golden.decode(folder).text.splitlines()
+                    self.assertTrue(lines[0].endswith(f", packet 1 of {golden.path}"))
+                    accepted = golden.result == "success"
+                    attributes = lines[1:] if accepted else lines[1:-1]
+                    self.assertEqual(len(attributes), len(golden.attributes))
+                    for line in attributes:
+                        self.assertRegex(line, r"^[A-Za-z0-9.-]+(:\d+)? = \S")
+                    if not accepted:
+                        self.assertTrue(lines[-1].startswith(f"refused: {golden.result}"))
+
+
+class PublishedPackets(unittest.TestCase):
+    def setUp(self):
+        self.vectors = json.loads((DATA / "vectors" / "packets.json").read_text())
+
+    def decode(self, vector):
+        authenticator = vector["request_authenticator_hex"]
+        given = ("-a", authenticator) if len(authenticator) == 32 else ()
+        return decode("--json", *given, stdin=vector["packet_hex"], secret=vector["secret"] or "")
+
+    def test_malformed_packets_are_refused(self):
+        refused = 0
+        for vector in self.vectors:
+            if vector["expect"]["verdict"] == "reject" and vector["packet_hex"]:
+                with self.subTest(vector["name"]):
+                    self.assertIn(self.decode(vector).status, (1, 2))
+                    refused += 1
+        self.assertEqual(refused, 9)
+
+    def test_packets_whose_digests_hold_are_decoded(self):
+        decoded = 0
+        for vector in self.vectors:
+            verified, expected = vector["verified"], vector["expect"]
+            signed = verified["response_auth"] or verified["request_auth"]
+            if expected["verdict"] != "accept" or not signed or verified["msg_auth"] is False:
+                continue
+            with self.subTest(vector["name"]):
+                (report,) = self.decode(vector).packets
+                values = [bytes.fromhex(entry["hex"]) for entry in report["attributes"]]
+                content = bytes.fromhex(vector["packet_hex"])[20:report["length"]]
+                self.assertEqual(values, wire_values(content)[:len(values)])
+                self.assertNotIn(report["error"], (None, "invalidPktAuth", "invalidPktLength"))
+                decoded += 1
+        self.assertGreater(decoded, 10)
+
+    def test_packets_whose_digests_do_not_hold_fail_the_check(self):
+        failed = 0
+        for vector in self.vectors:
+            verified = vector["verified"]
+            if vector["expect"]["verdict"] == "accept" and False in (verified["response_auth"],
+                                                                     verified["request_auth"]):
+                with self.subTest(vector["name"]):
+                    result = self.decode(vector)
+                    self.assertEqual(result.packets[0]["error"], "invalidPktAuth")
+                    self.assertEqual(result.status, 1)
+                    failed += 1
+        self.assertGreater(failed, 0)
+
+
+# ---- Arguments ----
+
+
+class Usage(unittest.TestCase):
+    def test_help_and_version_are_no_errors(self):
+        for arguments in (["--help"], ["-h"], ["decode", "--help"], ["--version"]):
+            with self.subTest(arguments):
+                result = run(*arguments)
+                self.assertEqual((result.status, result.errors), (0, ""))
+                self.assertIn("radius-packet", result.text)
+
+    def test_help_says_that_the_secret_shows(self):
+        self.assertIn("process lists", run("decode", "--help").text)
+
+    def test_wrong_usage_ends_with_64_and_a_hint(self):
+        request = GOOD_REQUEST.hex()
+        for arguments in ([], ["frobnicate"], ["decode", "--bogus"], ["decode", "-f", "pcap"],
+                          ["decode", "-f"], ["decode", "-a"], ["decode", "-d"], ["decode", "-s"],
+                          ["decode", "--secret"], ["decode", "--json=maybe"],
+                          ["decode", "-f", "hex", "-f", "hex"]):
+            with self.subTest(arguments):
+                result = run(*arguments, stdin=request, variable=SECRET)
+                self.assertEqual((result.status, result.text), (64, ""))
+                self.assertIn("--help", result.errors)
+
+    def test_options_stand_before_and_behind_files(self):
+        with tempfile.TemporaryDirectory() as folder:
+            path = pathlib.Path(folder) / "good.hex"
+            path.write_text(GOOD_RESPONSE.hex())
+            for arguments in ([*A_OPTION, "--json", "-f", "hex", path],
+                              [path, *A_OPTION, "--json", "-f", "hex"],
+                              [*A_OPTION, path, "-f", "hex", "--json"],
+                              ["--json", *A_OPTION, "--", path]):
+                with self.subTest(arguments):
+                    result = decode(*arguments)
+                    self.assertEqual(result.status, 0)
+                    self.assertEqual(result.packets[0]["source"], str(path))
+
+    def test_a_file_may_be_called_like_a_command(self):
+        with tempfile.TemporaryDirectory() as folder:
+            (pathlib.Path(folder) / "decode").write_text(GOOD_REQUEST.hex())
+            self.assertEqual(decode("decode", cwd=folder).status, 0)
+
+    def test_standard_input_can_be_named_once(self):
+        result = decode("-", "-", stdin=GOOD_REQUEST.hex())
+        self.assertEqual(result.status, 64)
+        self.assertEqual(result.errors, "radius-packet: standard input (-) can be read only once\n")
+
+
+class RequestAuthenticator(unittest.TestCase):
+    def test_is_any_hex_of_16_bytes(self):
+        digits = REQUEST_AUTHENTICATOR.hex()
+        pairs = [digits[at:at + 2] for at in range(0, 32, 2)]
+        for text in (digits, digits.upper(), "0x" + digits, ":".join(pairs), " ".join(pairs),
+                     " 0x".join([""] + pairs)):
+            with self.subTest(text):
+                self.assertEqual(decode("-a", text, stdin=GOOD_RESPONSE.hex()).status, 0)
+
+    def test_of_another_length_is_wrong_usage_even_for_requests(self):
+        digits = REQUEST_AUTHENTICATOR.hex()
+        for text in ("", "00", digits[:30], digits[:31], digits + "00", "z" * 32, digits[:-1] + "g",
+                     digits + "\n\n" + digits):
+            with self.subTest(text):
+                result = decode("-a", text, stdin=GOOD_REQUEST.hex())
+                self.assertEqual((result.status, result.text), (64, ""))
+                self.assertEqual(result.errors, "radius-packet: -a takes 16 bytes in hex: the "
+                                                "Request Authenticator\n")
+
+    def test_missing_is_said_and_ends_with_1(self):
+        for code in (2, 3, 5, 6, 11, 13, 41, 42, 44, 45, 255):
+            with self.subTest(code):
+                result = decode("--json", stdin=packet(code).hex())
+                (report,) = result.packets
+                self.assertEqual((report["error"], report["reason"]), (None, MISSING))
+                self.assertEqual(report["attributes"], [])
+                self.assertEqual(result.status, 1)
+                self.assertEqual(result.errors,
+                                 f"radius-packet: packet 1 of - refused: {MISSING}\n")
+
+    def test_header_faults_come_before_a_missing_one(self):
+        result = decode("--json", stdin=GOOD_RESPONSE[:19].hex())
+        self.assertEqual(result.packets[0]["error"], "invalidPktLength")
+        self.assertEqual(result.status, 2)
+
+    def test_requests_take_none(self):
+        for code in REQUEST_CODES:
+            for given in ((), A_OPTION):
+                with self.subTest(code=code, given=given):
+                    self.assertEqual(decode(*given, stdin=packet(code).hex()).status, 0)
+
+    def test_no_code_reaches_an_assertion(self):
+        packets = [packet(code, attribute(80, bytes(16)), attribute(2, bytes(16)))
+                   for code in range(256)]
+        for given in ((), A_OPTION):
+            with self.subTest(given):
+                result = decode("--json", *given, stdin="\n\n".join(p.hex() for p in packets))
+                self.assertEqual(len(result.packets), 256)
+                self.assertEqual(result.status, 2 if given else 1)
+
+
+class Secret(unittest.TestCase):
+    def setUp(self):
+        folder = tempfile.TemporaryDirectory()
+        self.addCleanup(folder.cleanup)
+        self.folder = pathlib.Path(folder.name)
+
+    def file(self, content):
+        path = self.folder / "secret"
+        path.write_bytes(content)
+        return path
+
+    def takes(self, secret, *arguments, variable=None):
+        """Whether the program decodes with that secret."""
+        response = packet(2, secret=secret)
+        return run("decode", *A_OPTION, *arguments, stdin=response.hex(),
+                   variable=variable).status == 0
+
+    def test_comes_from_a_file_without_one_newline(self):
+        self.assertTrue(self.takes("abc", "-s", self.file(b"abc")))
+        self.assertTrue(self.takes("abc", "-s", self.file(b"abc\n")))
+        self.assertTrue(self.takes("abc\n", "-s", self.file(b"abc\n\n")))
+        self.assertTrue(self.takes("abc", "-s", self.file(b"abc\r\n")))
+        self.assertTrue(self.takes("", "-s", self.file(b"\n")))
+        self.assertTrue(self.takes("", "-s", self.file(b"")))
+        self.assertTrue(self.takes("ab", "-s", self.file(b"ab\0cd")))
+        self.assertTrue(self.takes("s" * 10000, "-s", self.file(b"s" * 10000)))
+
+    def test_comes_from_an_option(self):
+        self.assertTrue(self.takes("abc", "--secret", "abc"))
+        self.assertTrue(self.takes("abc", "--secret=abc"))
+        self.assertTrue(self.takes("", "--secret", ""))
+        self.assertTrue(self.takes("", "--secret="))
+        self.assertTrue(self.takes("-abc", "--secret", "-abc"))
+        self.assertTrue(self.takes("a\n", "--secret", "a\n"))
+        self.assertTrue(self.takes("[a,b]", "--secret", "[a,b]"))
+        self.assertTrue(self.takes("a=", "--secret=a="))
+
+    def test_comes_from_the_variable(self):
+        self.assertTrue(self.takes("abc", variable="abc"))
+        self.assertTrue(self.takes("", variable=""))
+
+    def test_option_beats_the_variable(self):
+        self.assertTrue(self.takes("abc", "--secret", "abc", variable="other"))
+        self.assertTrue(self.takes("abc", "-s", self.file(b"abc"), variable="other"))
+        self.assertTrue(self.takes("", "--secret", "", variable="other"))
+
+    def test_empty_value_does_not_take_the_next_argument(self):
+        path = self.folder / "packet"
+        path.write_text(packet(2, secret="").hex())
+        self.assertEqual(run("decode", *A_OPTION, "--secret=", path).status, 0)
+
+    def test_both_options_are_wrong_usage(self):
+        for arguments in (["-s", self.file(b"a"), "--secret", "b"],
+                          ["--secret", "b", "-s", self.file(b"a")]):
+            self.assertEqual(run("decode", *arguments, stdin=GOOD_REQUEST.hex()).status, 64)
+
+    def test_none_is_wrong_usage_and_says_how_to_give_one(self):
+        result = run("decode", stdin=GOOD_REQUEST.hex())
+        self.assertEqual((result.status, result.text), (64, ""))
+        self.assertEqual(result.errors,
+                         "radius-packet: no shared secret: give it in a file with -s FILE, as "
+                         "--secret TEXT, or in the environment variable RADIUS_PACKET_SECRET\n")
+
+    def test_file_that_cannot_be_read(self):
+        for path, why in ((self.folder / "missing", "No such file or directory"),
+                          (self.folder, "Is a directory")):
+            result = run("decode", "-s", path, stdin=GOOD_REQUEST.hex())
+            self.assertEqual((result.status, result.text), (66, ""))
+            self.assertEqual(result.errors, f"radius-packet: cannot read {path}: {why}\n")
+
+    def test_is_never_printed(self):
+        secret = "n3v3r-pr1nt3d"
+        tail = [["--bogus"], ["-f", "pcap"], ["-a", "00"], ["-d", "/missing"], ["/missing"], [],
+                ["--json"], ["--secret", secret], A_OPTION]
+        ways = [(["--secret", secret], None), ([f"--secret={secret}"], None), ([], secret),
+                (["-s", self.file(secret.encode())], None)]
+        for way, variable in ways:
+            for arguments in tail:
+                with self.subTest(way=way, arguments=arguments):
+                    content = "\n\n".join([GOOD_REQUEST.hex(), GOOD_RESPONSE.hex(), "0102"])
+                    result = run("decode", *way, *arguments, stdin=content, variable=variable)
+                    self.assertNotIn(secret, result.text + result.errors)
+
+
+# ---- Input ----
+
+
+class Input(unittest.TestCase):
+    def test_hex_in_any_dress(self):
+        digits = GOOD_REQUEST.hex()
+        pairs = [digits[at:at + 2] for at in range(0, len(digits), 2)]
+        for name, text in {
+            "upper case": digits.upper(), "spaces": " ".join(pairs), "tabs": "\t".join(pairs),
+            "lines": "\n".join(pairs), "colons": ":".join(pairs),
+            "prefixes": "0x" + " 0x".join(pairs),
+            "CR LF": "\r\n".join(pairs) + "\r\n", "single digits": " ".join(digits),
+            "comments": " # comment\n".join(pairs), "comment lines": "\n# comment\n".join(pairs),
+        }.items():
+            with self.subTest(name):
+                result = decode("--json", stdin=text)
+                self.assertEqual(result.status, 0)
+                self.assertEqual(len(result.packets), 1)
+
+    def test_blank_lines_separate_packets(self):
+        digits = GOOD_REQUEST.hex()
+        for separator in ("\n\n", "\n \t\n", "\r\n\r\n", "\n\n\n\n", "\n\n# next\n"):
+            with self.subTest(separator):
+                result = decode("--json", stdin=separator.join([digits] * 3))
+                self.assertEqual([report["index"] for report in result.packets], [1, 2, 3])
+
+    def test_files_and_standard_input_are_sources_of_their_own(self):
+        with tempfile.TemporaryDirectory() as folder:
+            path = pathlib.Path(folder) / "two.hex"
+            path.write_text(GOOD_REQUEST.hex() + "\n\n" + GOOD_REQUEST.hex())
+            result = decode("--json", path, "-", path, stdin=GOOD_REQUEST.hex())
+            places = [(report["source"], report["index"]) for report in result.packets]
+            self.assertEqual(places, [(str(path), 1), (str(path), 2), ("-", 1), (str(path), 1),
+                                      (str(path), 2)])
+
+    def test_bad_hex_names_the_line_and_decodes_nothing(self):
+        odd = "the packet ends with half a byte: an odd number of hex digits"
+        digits = GOOD_REQUEST.hex()
+        for text, line, why in ((b"\n\nzz", 3, '"z" is no hex digit'),
+                                (digits.encode() + b"\n\n0\n\n", 3, odd),
+                                (digits.encode() + b"\n\0", 2, '"\\x00" is no hex digit'),
+                                (b"\xff\xfe", 1, '"\\xff" is no hex digit'),
+                                (b"\x1b[2J", 1, '"\\x1b" is no hex digit')):
+            with self.subTest(text):
+                result = decode(stdin=text)
+                self.assertEqual((result.status, result.text), (66, ""))
+                self.assertEqual(result.errors, f"radius-packet: -: line {line}: {why}\n")
+
+    def test_bad_hex_in_a_later_file_decodes_nothing(self):
+        with tempfile.TemporaryDirectory() as folder:
+            good, bad = pathlib.Path(folder) / "good", pathlib.Path(folder) / "bad"
+            good.write_text(GOOD_REQUEST.hex())
+            bad.write_text("01\n02\ngg")
+            result = decode(good, bad)
+            self.assertEqual((result.status, result.text), (66, ""))
+            self.assertEqual(result.errors,
+                             f'radius-packet: {bad}: line 3: "g" is no hex digit\n')
+
+    def test_no_packets_at_all(self):
+        for text in ("", "\n\n", "# only a comment\n", ":::", "0x"):
+            with self.subTest(text):
+                result = decode("--json", stdin=text)
+                self.assertEqual((result.status, result.text), (66, ""))
+                self.assertEqual(result.errors, "radius-packet: no packets in the input\n")
+
+    def test_files_that_cannot_be_read(self):
+        for path in ("/missing", "/"):
+            self.assertEqual(decode(path).status, 66)
+
+    def test_megabytes_are_read(self):
+        big = decode("--json", stdin=(GOOD_REQUEST.hex() + "\n\n") * 20000)
+        self.assertEqual((len(big.packets), big.status), (20000, 0))
+        padded = decode("--json", stdin=GOOD_REQUEST.hex() + "00 " * 1000000)
+        self.assertEqual((len(padded.packets), padded.status), (1, 0))
+
+    def test_garbage_never_ends_the_program(self):
+        generator = random.Random(2865)
+        garbage = []
+        for _ in range(2000):
+            body = generator.randbytes(generator.randrange(60))
+            if generator.random() < 0.7:
+                body = bytes([generator.randrange(50), 1, 0, 20 + len(body)]) + bytes(16) + body
+            garbage.append(body or b"\0")
+        for given in ((), A_OPTION):
+            result = decode("--json", *given, stdin="\n\n".join(g.hex() for g in garbage))
+            self.assertEqual(len(result.packets), len(garbage))
+            self.assertEqual(result.status, 2)
+        for _ in range(20):
+            self.assertEqual(decode(stdin=generator.randbytes(1000)).status, 66)
+
+
+# ---- Output ----
+
+
+class Output(unittest.TestCase):
+    def text(self, *attributes):
+        return decode(*A_OPTION, stdin=packet(2, *attributes).hex()).text.splitlines()[1:]
+
+    def json(self, *attributes):
+        (report,) = decode("--json", *A_OPTION, stdin=packet(2, *attributes).hex()).packets
+        return report["attributes"]
+
+    def test_header_line(self):
+        self.assertEqual(decode(stdin=GOOD_REQUEST.hex()).text.splitlines()[0],
+                         "ACCESS_REQUEST, id 7, length 27, authenticator "
+                         "000102030405060708090a0b0c0d0e0f (unchecked), packet 1 of -")
+
+    def test_verified_is_said_only_of_what_was(self):
+        wrong = GOOD_RESPONSE[:4] + bytes(16) + GOOD_RESPONSE[20:]
+        mac = attribute(80, bytes(16))
+        for name, content, said in (
+            ("Access-Request", GOOD_REQUEST, ["(unchecked)"]),
+            ("signed Access-Request", signed_request(),
+             ["(unchecked)", "Message-Authenticator (verified)"]),
+            ("response", GOOD_RESPONSE, ["(verified)"]),
+            ("wrong response", wrong, ["(wrong)"]),
+            ("accounting", packet(4, mac), ["(verified)", "Message-Authenticator (unchecked)"]),
+            ("wrong Message-Authenticator", packet(1, mac),
+             ["(unchecked)", "Message-Authenticator (wrong)"]),
+        ):
+            with self.subTest(name):
+                header = decode(*A_OPTION, stdin=content.hex()).text.splitlines()[0]
+                self.assertEqual(re.findall(r"(?:Message-Authenticator )?\(\w+\)", header), said)
+
+    def test_text_is_quoted_and_escaped(self):
+        self.assertEqual(self.text(attribute(18, b'a"b\\c\n\t\r\0\x1b\x7f\xff\xc3\xa9\xc2\x9b')),
+                         ['Reply-Message = "a\\"b\\\\c\\n\\t\\r\\x00\\x1b\\x7f\\xff\u00e9'
+                          '\\xc2\\x9b"'])
+
+    def test_nothing_from_the_wire_drives_a_terminal(self):
+        values = bytes(range(1, 250))
+        everything = packet(1, attribute(1, values), attribute(24, values), attribute(240, values),
+                            vendor_attribute(9, 1, values[:240]))
+        for options in ((), ("--json",)):
+            output = decode(*options, stdin=everything.hex()).output
+            self.assertNotRegex(output, rb"[\x00-\x09\x0b-\x1f\x7f]")
+            output.decode()
+
+    def test_numbers_of_known_enumerations_are_named(self):
+        numbers = [attribute(code, value.to_bytes(4, "big"))
+                   for code, value in ((40, 1), (40, 99), (6, 8), (101, 503), (5, 1))]
+        self.assertEqual(self.text(*numbers),
+                         ["Acct-Status-Type = START (1)", "Acct-Status-Type = 99",
+                          "Service-Type = AUTHENTICATE_ONLY (8)",
+                          "Error-Cause = SESSION_CONTEXT_NOT_FOUND (503)", "NAS-Port = 1"])
+        self.assertEqual([entry["value"] for entry in self.json(*numbers)], [1, 99, 8, 503, 1])
+
+    def test_tags_are_printed_also_when_0(self):
+        attributes = [attribute(64, b"\0\0\0\3"), attribute(64, b"\1\xff\xff\xff"),
+                      attribute(81, b"\0text"), attribute(81, b"\x1ftext")]
+        self.assertEqual(self.text(*attributes),
+                         ["Tunnel-Type:0 = 3", "Tunnel-Type:1 = 16777215",
+                          'Tunnel-Private-Group-Id:0 = "text"',
+                          'Tunnel-Private-Group-Id:31 = "text"'])
+        entries = self.json(*attributes)
+        self.assertEqual([(entry["tag"], entry["value"]) for entry in entries],
+                         [(0, 3), (1, 16777215), (0, "text"), (31, "text")])
+        self.assertEqual([entry["hex"] for entry in entries],
+                         ["00000003", "01ffffff", "0074657874", "1f74657874"])
+
+    def test_salted_values_are_revealed(self):
+        salt = b"\x80\x01"
+        attributes = [attribute(69, b"\1" + hidden(b"\3key", salt)),
+                      attribute(69, b"\0" + hidden(b"\0", salt)),
+                      attribute(69, b"\1" + hidden(b"\xffkey", salt)),
+                      attribute(69, b"\1"), attribute(69, b"\1\x80"), attribute(69, b"\1" + salt),
+                      vendor_attribute(311, 16, hidden(b"\2\xaa\xbb", salt))]
+        self.assertEqual(self.text(*attributes),
+                         ['Tunnel-Password:1 = "key"', 'Tunnel-Password:0 = ""',
+                          "Tunnel-Password:1 = 0xff6b6579" + "00" * 12, "Tunnel-Password:1 = 0x",
+                          "Tunnel-Password:1 = 0x", "Tunnel-Password:1 = 0x",
+                          "MS-MPPE-Send-Key = 0xaabb"])
+        self.assertEqual(self.json(*attributes)[0]["hex"], attributes[0][2:].hex())
+        self.assertEqual(self.json(*attributes)[-1]["hex"], attributes[-1][8:].hex())
+
+    def test_unknown_attributes_are_named_by_their_numbers(self):
+        attributes = [attribute(240, b"a"), vendor_attribute(4294967295, 255, b""),
+                      vendor_attribute(311, 254, b"b")]
+        self.assertEqual(self.text(*attributes),
+                         ["Attr-240 = 0x61", "Attr-26.4294967295.255 = 0x",
+                          "Attr-26.311.254 = 0x62"])
+        self.assertEqual(self.json(*attributes)[1],
+                         {"attrId": 26, "vendorId": 4294967295, "vendorAttrId": 255,
+                          "name": "Attr-26.4294967295.255", "type": "unknown", "tag": None,
+                          "value": "0x", "hex": ""})
+
+    def test_addresses_are_text(self):
+        self.assertEqual(
+            self.text(attribute(4, bytes([192, 0, 2, 1])),
+                      attribute(95, ipaddress.ip_address("2001:db8::1").packed),
+                      attribute(96, bytes.fromhex("02005efffe000001")),
+                      attribute(97, bytes.fromhex("002020010db8")), attribute(97, bytes(2))),
+            ["NAS-IP-Address = 192.0.2.1", "NAS-IPv6-Address = 2001:db8::1",
+             "Framed-Interface-Id = 0200:5eff:fe00:0001", "Framed-IPv6-Prefix = 2001:db8::/32",
+             "Framed-IPv6-Prefix = ::/0"])
+
+    def test_short_packets_have_null_for_what_they_lack(self):
+        fields = ("code", "codeName", "id", "length", "authenticator")
+        for size, expected in ((1, [2, "ACCESS_ACCEPT", None, None, None]),
+                               (2, [2, "ACCESS_ACCEPT", 7, None, None]),
+                               (3, [2, "ACCESS_ACCEPT", 7, None, None]),
+                               (4, [2, "ACCESS_ACCEPT", 7, 27, None]),
+                               (19, [2, "ACCESS_ACCEPT", 7, 27, None]),
+                               (20, [2, "ACCESS_ACCEPT", 7, 27, GOOD_RESPONSE[4:20].hex()])):
+            with self.subTest(size):
+                result = decode("--json", stdin=GOOD_RESPONSE[:size].hex())
+                (report,) = result.packets
+                self.assertEqual([report[field] for field in fields], expected)
+                self.assertEqual((report["error"], result.status), ("invalidPktLength", 2))
+
+    def test_message_authenticator_is_what_the_sink_says(self):
+        for content, present in ((GOOD_REQUEST, False), (signed_request(), True),
+                                 (packet(4, attribute(80, bytes(16))), True),
+                                 (packet(1, attribute(80, bytes(16))), False)):
+            (report,) = decode("--json", stdin=content.hex()).packets
+            self.assertIs(report["messageAuthenticator"], present)
+
+    def test_source_that_is_no_utf8(self):
+        with tempfile.TemporaryDirectory() as folder:
+            name = os.fsencode(folder) + b"/\xff\x1b.hex"
+            with open(name, "w") as file:
+                file.write(GOOD_RESPONSE.hex())
+            result = decode("--json", name)
+            self.assertEqual(result.packets[0]["source"], folder + "/\\xff\\x1b.hex")
+            self.assertNotIn("\x1b", result.errors)
+
+    def test_output_that_cannot_be_written(self):
+        with open("/dev/full", "wb") as full:
+            completed = subprocess.run([PROGRAM, "decode", "--secret", "a"], stdout=full,
+                                       input=GOOD_REQUEST.hex().encode(), stderr=subprocess.PIPE)
+        self.assertEqual(completed.returncode, 74)
+        self.assertEqual(completed.stderr, b"radius-packet: cannot write to standard output: "
+                                           b"No space left on device\n")
+
+    def test_reader_that_goes_away(self):
+        process = subprocess.Popen([PROGRAM, "decode", "--secret", "a"], stdin=subprocess.PIPE,
+                                   stdout=subprocess.PIPE, stderr=subprocess.DEVNULL)
+        process.stdout.close()
+        process.stdin.write((GOOD_REQUEST.hex() + "\n\n").encode() * 5000)
+        process.stdin.close()
+        self.assertIn(process.wait(timeout=120), (-signal.SIGPIPE, 74))
+
+
+# ---- Exit status ----
+
+
+class ExitStatus(unittest.TestCase):
+    GOOD = GOOD_REQUEST
+    FAILED = packet(1, attribute(80, bytes(16)))
+    UNANSWERED = GOOD_RESPONSE
+    REFUSED = packet(1, b"\1")
+
+    def status(self, *packets):
+        return decode(stdin="\n\n".join(p.hex() for p in packets)).status
+
+    def test_is_the_greatest_of_all_packets(self):
+        self.assertEqual(self.status(self.GOOD), 0)
+        self.assertEqual(self.status(self.FAILED), 1)
+        self.assertEqual(self.status(self.UNANSWERED), 1)
+        self.assertEqual(self.status(packet(1, attribute(79, b"eap"))), 1)
+        self.assertEqual(self.status(self.REFUSED), 2)
+        self.assertEqual(self.status(self.GOOD, self.FAILED, self.GOOD), 1)
+        self.assertEqual(self.status(self.REFUSED, self.FAILED), 2)
+        self.assertEqual(self.status(self.FAILED, self.REFUSED, self.GOOD), 2)
+
+    def test_every_refused_packet_is_said(self):
+        result = decode(stdin="\n\n".join(p.hex() for p in (self.FAILED, self.GOOD, self.UNANSWERED,
+                                                            self.REFUSED)))
+        self.assertEqual(result.errors.splitlines(),
+                         ["radius-packet: packet 1 of - refused: invalidMsgAuth",
+                          f"radius-packet: packet 3 of - refused: {MISSING}",
+                          "radius-packet: packet 4 of - refused: invalidAttrLength: Invalid "
+                          "attribute: 1 length: 1"])
+
+    def test_warnings_are_not_said(self):
+        result = decode(stdin=packet(1, attribute(240, b"a")).hex())
+        self.assertEqual((result.status, result.errors), (0, ""))
+
+
+class Dictionary(unittest.TestCase):
+    def setUp(self):
+        folder = tempfile.TemporaryDirectory()
+        self.addCleanup(folder.cleanup)
+        self.folder = pathlib.Path(folder.name)
+
+    def top(self, content):
+        (self.folder / "dictionary").write_text("$INCLUDE ours\n")
+        (self.folder / "ours").write_text(content)
+        return self.folder / "dictionary"
+
+    def test_is_the_file_of_the_option(self):
+        top = self.top("ATTRIBUTE Mine 1 integer64\nATTRIBUTE Other 2 octets has_tag\n"
+                       "ATTRIBUTE When 3 date has_tag\n")
+        content = packet(1, attribute(1, bytes(range(1, 9))), attribute(3, b"\1\0\0\2"))
+        (report,) = decode("--json", "-d", top, stdin=content.hex()).packets
+        first, second = report["attributes"]
+        self.assertEqual((first["name"], first["type"], first["value"]),
+                         ("Mine", "integer64", "72623859790382856"))
+        self.assertEqual((second["tag"], second["value"]), (1, 2))
+
+    def test_warnings_go_to_standard_error(self):
+        top = self.top("ATTRIBUTE Mine 1 word\n")
+        result = decode("--json", "-d", top, stdin=GOOD_REQUEST.hex())
+        self.assertEqual(result.status, 0)
+        self.assertEqual(result.packets[0]["attributes"][0]["type"], "unknown")
+        self.assertIn(f"File {self.folder}/ours Unknown/Non-Standard Type word", result.errors)
+
+    def test_that_cannot_be_opened_ends_with_3(self):
+        for path in (self.folder / "missing", self.folder, ""):
+            result = decode("-d", path, stdin=GOOD_REQUEST.hex())
+            self.assertEqual((result.status, result.text), (3, ""))
+            self.assertEqual(result.errors,
+                             f"radius-packet: the dictionary {path} does not load: this file, "
+                             "or one that it includes, cannot be opened (file.is_open())\n")
+
+    def test_that_is_broken_ends_with_3_and_the_message(self):
+        top = self.top("ATTRIBUTE Mine 1\n")
+        result = decode("-d", top, stdin=GOOD_REQUEST.hex())
+        self.assertEqual((result.status, result.text), (3, ""))
+        self.assertIn(f"File {self.folder}/ours Wrong Number of Arguments for Attribute\n",
+                      result.errors)
+        self.assertTrue(result.errors.endswith(
+            f"radius-packet: the dictionary {top} does not load\n"))
+
+
+if __name__ == "__main__":
+    unittest.main(argv=sys.argv[:1])

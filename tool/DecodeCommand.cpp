@@ -1,0 +1,123 @@
+#include "tool/DecodeCommand.h"
+
+#include <algorithm>
+
+#include <fmt/format.h>
+
+#include "RadiusPacketParser/RadiusPacketConstants.h"
+#include "tool/HexInput.h"
+#include "tool/JsonOutput.h"
+#include "tool/PacketDecoder.h"
+#include "tool/PacketInput.h"
+#include "tool/StandardStreams.h"
+#include "tool/TextOutput.h"
+#include "tool/ToolError.h"
+
+namespace RadiusPacketTool {
+
+using RadiusPacketParser::PacketConstants;
+
+namespace {
+
+constexpr const char* footer =
+    "Input is hex text: any spacing, `:` and `0x` accepted, `#` begins a comment, a blank line\n"
+    "separates packets. Without FILE, and for the FILE `-`, standard input is read.\n"
+    "\n"
+    "Requests (codes 1, 4, 12, 40, 43) are decoded without a Request Authenticator, even if one "
+    "is\n"
+    "given; every other packet needs that of the request which it answers.\n"
+    "\n"
+    "With --json, text values are escaped as in the text form (\\n, \\xNN, \\\", \\\\) and bytes "
+    "are 0x\n"
+    "and hex digits; `hex` is the value as on the wire, still hidden.\n"
+    "\n"
+    "Exit status: 0 all packets are good; 1 a check of authenticity failed or could not be made; 2 "
+    "a\n"
+    "packet is refused for another fault; 3 the dictionary does not load; 64 wrong usage; 66\n"
+    "unreadable input; 74 standard output cannot be written.";
+
+/// Prints reports one behind the other, and says on standard error which packets are refused.
+class ReportPrinter {
+ public:
+  explicit ReportPrinter(bool json) : json_(json) {}
+
+  void print(const PacketReport& report) {
+    if (json_) {
+      writeOutput(jsonOf(report));
+    } else {
+      writeOutput(isFirst_ ? textOf(report) : "\n" + textOf(report));
+    }
+    isFirst_ = false;
+    if (!isAccepted(report)) {
+      complain(fmt::format("{} refused: {}", placeText(report), faultText(report)));
+    }
+    exitCode_ = std::max(exitCode_, exitCodeOf(report));
+  }
+
+  ExitCode exitCode() const { return exitCode_; }
+
+ private:
+  bool json_;
+  bool isFirst_ = true;
+  ExitCode exitCode_ = ExitCode::success;
+};
+
+}  // namespace
+
+DecodeCommand::DecodeCommand(CLI::App& program)
+    : Command(program, "decode", "Decodes received packets and prints what they hold"),
+      secret_(app()) {
+  app()
+      .add_option("-d", dictionaryPath_, "Top file of the dictionary; our own set by default")
+      ->type_name("TOPFILE");
+  requestAuthenticatorOption_ =
+      app()
+          .add_option("-a", requestAuthenticatorText_,
+                      "Authenticator of the request that the packets answer: 16 bytes")
+          ->type_name("HEX");
+  app()
+      .add_option("-f", format_, "Format of the input; hex is the only one")
+      ->type_name("FORMAT")
+      ->check(CLI::IsMember({"hex"}));
+  app().add_flag("--json", json_, "Print one JSON object per packet and line");
+  app().add_option("FILE", files_, "Files to read")->type_name("");
+  app().footer(footer);
+}
+
+ExitCode DecodeCommand::run() {
+  const Verda::Bytes authenticator = requestAuthenticator();
+  const Secret secret = secret_.secret();
+  const auto dictionary = loadDictionary(dictionaryPath_);
+  const std::vector<PacketSource> sources = readPackets(files_);
+  const PacketDecoder decoder(dictionary, secret, authenticator);
+  ReportPrinter printer(json_);
+  for (const PacketSource& source : sources) {
+    for (std::size_t at = 0; at < source.packets.size(); ++at) {
+      PacketReport report = decoder.decode(source.packets[at]);
+      report.source = source.name;
+      report.index = at + 1;
+      printer.print(report);
+    }
+  }
+  return printer.exitCode();
+}
+
+/// Empty when none is given. Throws `ToolError` for anything but one authenticator in hex.
+Verda::Bytes DecodeCommand::requestAuthenticator() const {
+  if (requestAuthenticatorOption_->count() == 0) {
+    return {};
+  }
+  try {
+    const auto parsed = parseHex(requestAuthenticatorText_);
+    if (parsed.size() == 1 && parsed.front().size() == PacketConstants::authLength()) {
+      return {std::span<const Verda::U8>(parsed.front())};
+    }
+  } catch (const BadHex&) {
+    // What is no hex is as wrong as hex of another length.
+  }
+  throw ToolError(ExitCode::usage,
+                  fmt::format("-a takes {} bytes in hex: the Request Authenticator",
+                              PacketConstants::authLength()));
+}
+
+}  // namespace RadiusPacketTool

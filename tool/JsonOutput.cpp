@@ -1,0 +1,78 @@
+#include "tool/JsonOutput.h"
+
+#include <optional>
+#include <variant>
+
+#include <nlohmann/json.hpp>
+
+#include "Verda/Escape.h"
+
+#include "RadiusPacketParser/RadiusPacketConstants.h"
+#include "tool/HexText.h"
+
+namespace RadiusPacketTool {
+
+using Json = nlohmann::ordered_json;
+using RadiusPacketParser::RadiusCode;
+
+namespace {
+
+template <typename Value>
+Json jsonOrNull(const std::optional<Value>& value) {
+  return value.has_value() ? Json(*value) : Json(nullptr);
+}
+
+struct ValueWriter {
+  Json operator()(const ShownNumber& number) const { return number.number; }
+  Json operator()(const ShownText& text) const { return text.escaped; }
+  Json operator()(const ShownPlain& plain) const { return plain.text; }
+};
+
+Json attributeJson(const ReportedAttribute& attribute) {
+  return {{"attrId", attribute.key.attrId},
+          {"vendorId", attribute.key.vendorId},
+          {"vendorAttrId", attribute.key.vendorAttrId},
+          {"name", Verda::escaped(attribute.name)},
+          {"type", std::string(stringValue(attribute.type).view())},
+          {"tag", jsonOrNull(attribute.tag)},
+          {"value", std::visit(ValueWriter(), attribute.value)},
+          {"hex", hexText(attribute.wire)}};
+}
+
+Json codeNameJson(const PacketReport& report) {
+  if (!report.code.has_value()) {
+    return nullptr;
+  }
+  const auto code = static_cast<RadiusCode::RadiusCodeEnum>(*report.code);
+  return std::string(stringValue(code).view());
+}
+
+Json packetJson(const PacketReport& report) {
+  Json packet;
+  packet["source"] = Verda::escaped(report.source);
+  packet["index"] = report.index;
+  packet["code"] = jsonOrNull(report.code);
+  packet["codeName"] = codeNameJson(report);
+  packet["id"] = jsonOrNull(report.id);
+  packet["length"] = jsonOrNull(report.length);
+  packet["authenticator"] =
+      report.authenticator.has_value() ? Json(hexText(*report.authenticator)) : Json(nullptr);
+  packet["error"] = report.error.has_value() ? Json(std::string(stringValue(*report.error).view()))
+                                             : Json(nullptr);
+  packet["reason"] =
+      report.reason.has_value() ? Json(Verda::escaped(*report.reason)) : Json(nullptr);
+  packet["messageAuthenticator"] = report.messageAuthenticatorPresent;
+  Json& attributes = packet["attributes"] = Json::array();
+  for (const ReportedAttribute& attribute : report.attributes) {
+    attributes.push_back(attributeJson(attribute));
+  }
+  return packet;
+}
+
+}  // namespace
+
+std::string jsonOf(const PacketReport& report) {
+  return packetJson(report).dump() + '\n';
+}
+
+}  // namespace RadiusPacketTool

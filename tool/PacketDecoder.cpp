@@ -1,0 +1,183 @@
+#include "tool/PacketDecoder.h"
+
+#include <utility>
+
+#include "Zonet/Pkt.h"
+#include "Zonet/WireReader.h"
+
+#include "RadiusPacketParser/RadiusPacketConstants.h"
+#include "RadiusPacketParser/RadiusPktCommon.h"
+#include "tool/AttributeName.h"
+#include "tool/FaultTrace.h"
+#include "tool/ValueText.h"
+
+namespace RadiusPacketTool {
+
+using RadiusPacketParser::AttributeConstants;
+using RadiusPacketParser::PacketConstants;
+using RadiusPacketParser::RadiusAttributeId;
+using RadiusPacketParser::RadiusCode;
+using RadiusPacketParser::RadiusDict;
+using RadiusPacketParser::VsaConstants;
+using RadiusPktParserBase::Attribute;
+using RadiusPktParserBase::AttributeCursor;
+using RadiusPktParserBase::AttrInfo;
+using RadiusPktParserBase::AttrValue;
+using RadiusPktParserBase::ErrorMsg;
+using RadiusPktParserBase::isRequest;
+using RadiusPktParserBase::PktInfoParser;
+using RadiusPktParserBase::RadiusHdr;
+using RadiusPktParserBase::RadiusPktParser;
+using Verda::Bytes;
+using Verda::Ptr;
+using Verda::U16;
+using Verda::U8;
+
+namespace {
+
+using ByteView = std::span<const U8>;
+
+/// The sink of one packet: keeps what the hook receives. Its cursor goes through the same
+/// attributes as the hook, for the bytes that the hook's values do not carry.
+class RecordingSink : public PktInfoParser {
+  TYL_ENTITY(RecordingSink)
+
+ public:
+  /// `attributes` are those of the packet, `trace` takes its trace.
+  RecordingSink(ByteView attributes, FaultTrace& trace) : cursor_(attributes), trace_(trace) {}
+
+  void take(const Attribute& key, const AttrValue& value, const AttrInfo& info,
+            const RadiusDict& dictionary) {
+    trace_.attributeDelivered();
+    cursor_.next();
+    const bool isVendor = key.attrId == RadiusAttributeId::VENDOR_SPECIFIC;
+    const ByteView wire = cursor_.bytes().subspan(isVendor ? VsaConstants::vendorAttrValueOffset()
+                                                           : AttributeConstants::valueOffset());
+    ReadableValue readable = readableValue(key, info, value, wire);
+    reported_.push_back({.key = key,
+                         .name = attributeName(key, dictionary),
+                         .type = info.attributeType,
+                         .tag = readable.tag,
+                         .value = std::move(readable.value),
+                         .wire = {wire.begin(), wire.end()}});
+  }
+
+  std::vector<ReportedAttribute> reportedDel() { return std::move(reported_); }
+
+ private:
+  AttributeCursor cursor_;
+  FaultTrace& trace_;
+  std::vector<ReportedAttribute> reported_;
+};
+
+TYL_ENTITY_TYPE(RecordingSink)
+
+/// Hands every attribute on to the sink.
+class RecordingParser : public RadiusPktParser {
+  TYL_ENTITY(RecordingParser)
+
+ public:
+  using RadiusPktParser::RadiusPktParser;
+
+  void doProcessAttribute(const Attribute& attr, const AttrValue& attrValue, AttrInfo attrInfo,
+                          const Ptr<PktInfoParser>& pktInfoParser) override {
+    Verda::staticPtrCast<RecordingSink>(pktInfoParser)
+        ->take(attr, attrValue, attrInfo, *dictionary());
+  }
+};
+
+TYL_ENTITY_TYPE(RecordingParser)
+
+/// A report of those header fields that the packet has bytes for.
+PacketReport reportOfHeader(ByteView packet) {
+  PacketReport report;
+  Zonet::WireReader reader(packet);
+  U8 byte = 0;
+  U16 length = 0;
+  ByteView authenticator;
+  if (reader.read(byte)) {
+    report.code = byte;
+  }
+  if (reader.read(byte)) {
+    report.id = byte;
+  }
+  if (reader.read(length)) {
+    report.length = length;
+  }
+  if (reader.read(PacketConstants::authLength(), authenticator)) {
+    report.authenticator.emplace(authenticator.begin(), authenticator.end());
+  }
+  return report;
+}
+
+/// What is known of the authenticator of a packet whose header is in order.
+Check checkedAuthenticator(U8 code, ErrorMsg error) {
+  if (code == RadiusCode::ACCESS_REQUEST || code == RadiusCode::STATUS_SERVER) {
+    return Check::unchecked;
+  }
+  switch (error) {
+    case ErrorMsg::invalidPktAuth:
+      return Check::wrong;
+    case ErrorMsg::md5GenerationFailed:
+    case ErrorMsg::invalidBytesCopied:
+      return Check::unchecked;
+    default:
+      return Check::verified;
+  }
+}
+
+/// @param present  whether the library took one for good
+Check checkedMessageAuthenticator(U8 code, ErrorMsg error, bool present) {
+  if (!present) {
+    return error == ErrorMsg::invalidMsgAuth ? Check::wrong : Check::absent;
+  }
+  const bool isAccounting =
+      code == RadiusCode::ACCOUNTING_REQUEST || code == RadiusCode::ACCOUNTING_RESPONSE;
+  return isAccounting ? Check::unchecked : Check::verified;
+}
+
+}  // namespace
+
+PacketDecoder::PacketDecoder(const Ptr<const RadiusDict>& dictionary, const Secret& secret,
+                             const Bytes& requestAuthenticator)
+    : parser_(RecordingParser::RecordingParserIs(dictionary)),
+      secret_(secret),
+      requestAuthenticator_(requestAuthenticator) {}
+
+PacketReport PacketDecoder::decode(ByteView packet) const {
+  PacketReport report = reportOfHeader(packet);
+  const Ptr<Zonet::Pkt> pkt = Zonet::pktFactory(packet);
+  FaultTrace trace;
+  const auto header = parser_->getHeader(pkt);
+  if (header->errorMsg() != ErrorMsg::success) {
+    report.error = header->errorMsg();
+    report.reason = trace.reason();
+  } else if (!isRequest(header->hdr()->code()) && requestAuthenticator_.empty()) {
+    report.authenticatorCheck = Check::unchecked;
+    report.reason =
+        "no Request Authenticator: give that of the request which this packet answers with -a HEX";
+  } else {
+    walk(pkt, *header->hdr(), trace, report);
+  }
+  return report;
+}
+
+void PacketDecoder::walk(const Ptr<Zonet::Pkt>& pkt, const RadiusHdr& header, FaultTrace& trace,
+                         PacketReport& report) const {
+  const auto sink = RecordingSink::RecordingSinkIs(
+      std::as_const(*pkt).span().first(header.length()).subspan(PacketConstants::headerLength()),
+      trace);
+  const Bytes requestAuthenticator = isRequest(header.code()) ? Bytes() : requestAuthenticator_;
+  const ErrorMsg error = parser_->doProcessPkt(pkt, secret_.text(), requestAuthenticator, sink);
+  report.error = error;
+  if (error != ErrorMsg::success) {
+    report.reason = trace.reason();
+  }
+  report.messageAuthenticatorPresent = sink->msgAuthPresent();
+  report.authenticatorCheck = checkedAuthenticator(header.code(), error);
+  report.messageAuthenticatorCheck =
+      checkedMessageAuthenticator(header.code(), error, sink->msgAuthPresent());
+  report.attributes = sink->reportedDel();
+}
+
+}  // namespace RadiusPacketTool

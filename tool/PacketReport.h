@@ -1,0 +1,91 @@
+#pragma once
+
+#include <cstddef>
+#include <optional>
+#include <string>
+#include <variant>
+#include <vector>
+
+#include "Verda/Types.h"
+
+#include "RadiusPacketParser/RadiusPktTypes.h"
+#include "tool/ExitCode.h"
+
+namespace RadiusPacketTool {
+
+/// A number, and the name that an enumeration of the library gives it, or an empty name.
+struct ShownNumber {
+  Verda::U32 number = 0;
+  std::string name;
+
+  bool operator==(const ShownNumber&) const = default;
+};
+
+/// Text, escaped as it stands between quotes.
+struct ShownText {
+  std::string escaped;
+
+  bool operator==(const ShownText&) const = default;
+};
+
+/// What is neither: hex, addresses, numbers of 64 bits.
+struct ShownPlain {
+  std::string text;
+
+  bool operator==(const ShownPlain&) const = default;
+};
+
+using ShownValue = std::variant<ShownNumber, ShownText, ShownPlain>;
+
+/// One attribute as the hook received it.
+struct ReportedAttribute {
+  RadiusPktParserBase::Attribute key;
+  std::string name;  ///< that of the dictionary, or one made from the numbers
+  RadiusPacketParser::RadiusAttributeType::RadiusAttributeTypeEnum type =
+      RadiusPacketParser::RadiusAttributeType::unknown;
+  std::optional<Verda::U8> tag;
+  ShownValue value;
+  std::vector<Verda::U8> wire;  ///< the value as on the wire, still hidden
+};
+
+/// What a check found out. `unchecked` stands for what nobody can check or has checked.
+enum class Check : Verda::U8 { absent, unchecked, verified, wrong };
+
+/// All that is known of one packet once it is decoded, whatever it is shown as.
+struct PacketReport {
+  std::string source;
+  std::size_t index = 0;  ///< from 1 within the source
+
+  // Of a packet shorter than a header, those fields that are there.
+  std::optional<Verda::U8> code;
+  std::optional<Verda::U8> id;
+  std::optional<Verda::U16> length;
+  std::optional<std::vector<Verda::U8>> authenticator;
+
+  /// Nothing when the packet needs a Request Authenticator and none is given.
+  std::optional<RadiusPktParserBase::ErrorMsg> error;
+  /// The trace text of the check that failed, if it wrote one; or what is missing.
+  std::optional<std::string> reason;
+
+  Check authenticatorCheck = Check::absent;
+  Check messageAuthenticatorCheck = Check::absent;
+  bool messageAuthenticatorPresent = false;  ///< as the library's sink says
+
+  std::vector<ReportedAttribute> attributes;
+};
+
+/// Whether the packet decodes with `success`.
+inline bool isAccepted(const PacketReport& report) {
+  return report.error == RadiusPktParserBase::ErrorMsg::success;
+}
+
+/// What a packet contributes to the exit code; that of several packets is the greatest.
+ExitCode exitCodeOf(const PacketReport& report);
+
+/// Which packet it is: "packet 2 of file.hex".
+std::string placeText(const PacketReport& report);
+
+/// The name of the fault, then the reason where there is one.
+std::string faultText(const PacketReport& report);
+
+}  // namespace RadiusPacketTool

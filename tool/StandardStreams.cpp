@@ -1,0 +1,41 @@
+#include "tool/StandardStreams.h"
+
+#include <cerrno>
+#include <cstdio>
+#include <string>
+#include <system_error>
+
+#include "Verda/Escape.h"
+
+#include "tool/ToolError.h"
+
+namespace RadiusPacketTool {
+namespace {
+
+[[noreturn]] void outputFailed() {
+  throw ToolError(ExitCode::outputFailed,
+                  "cannot write to standard output: " + std::generic_category().message(errno));
+}
+
+}  // namespace
+
+void writeOutput(std::string_view text) {
+  if (std::fwrite(text.data(), 1, text.size(), stdout) != text.size()) {
+    outputFailed();
+  }
+}
+
+void flushOutput() {
+  if (std::fflush(stdout) != 0 || std::ferror(stdout) != 0) {
+    outputFailed();
+  }
+}
+
+void complain(std::string_view message) {
+  std::string line = "radius-packet: ";
+  Verda::escapeTo(line, message);
+  line += '\n';
+  static_cast<void>(std::fwrite(line.data(), 1, line.size(), stderr));
+}
+
+}  // namespace RadiusPacketTool

@@ -1,0 +1,16 @@
+#pragma once
+
+#include <string_view>
+
+namespace RadiusPacketTool {
+
+/// Writes to standard output. Throws `ToolError` when that fails.
+void writeOutput(std::string_view text);
+
+/// Makes sure that all of standard output is written. Throws `ToolError` when it is not.
+void flushOutput();
+
+/// Says one line on standard error behind the program's name, with control bytes escaped.
+void complain(std::string_view message);
+
+}  // namespace RadiusPacketTool

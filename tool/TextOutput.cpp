@@ -1,0 +1,95 @@
+#include "tool/TextOutput.h"
+
+#include <iterator>
+#include <string_view>
+#include <variant>
+
+#include <fmt/format.h>
+
+#include "Verda/Escape.h"
+
+#include "RadiusPacketParser/RadiusPacketConstants.h"
+#include "tool/HexText.h"
+
+namespace RadiusPacketTool {
+
+using RadiusPacketParser::RadiusCode;
+
+namespace {
+
+std::string_view checkText(Check check) {
+  switch (check) {
+    case Check::absent:
+      return "absent";
+    case Check::unchecked:
+      return "unchecked";
+    case Check::verified:
+      return "verified";
+    case Check::wrong:
+      return "wrong";
+  }
+  return {};
+}
+
+std::string authenticatorText(const PacketReport& report) {
+  std::string text = fmt::format(", authenticator {}", hexText(*report.authenticator));
+  if (report.authenticatorCheck != Check::absent) {
+    text += fmt::format(" ({})", checkText(report.authenticatorCheck));
+  }
+  if (report.messageAuthenticatorCheck != Check::absent) {
+    text +=
+        fmt::format(", Message-Authenticator ({})", checkText(report.messageAuthenticatorCheck));
+  }
+  return text;
+}
+
+/// Of a packet shorter than a header, what there is.
+std::string headerLine(const PacketReport& report) {
+  std::string line;
+  if (report.code.has_value()) {
+    line += stringValue(static_cast<RadiusCode::RadiusCodeEnum>(*report.code)).view();
+  }
+  if (report.id.has_value()) {
+    line += fmt::format(", id {}", *report.id);
+  }
+  if (report.length.has_value()) {
+    line += fmt::format(", length {}", *report.length);
+  }
+  if (report.authenticator.has_value()) {
+    line += authenticatorText(report);
+  }
+  line += fmt::format(", {}\n", Verda::escaped(placeText(report)));
+  return line;
+}
+
+struct ValueWriter {
+  std::string operator()(const ShownNumber& number) const {
+    return number.name.empty() ? fmt::format("{}", number.number)
+                               : fmt::format("{} ({})", number.name, number.number);
+  }
+  std::string operator()(const ShownText& text) const {
+    return fmt::format("\"{}\"", text.escaped);
+  }
+  std::string operator()(const ShownPlain& plain) const { return plain.text; }
+};
+
+std::string attributeLine(const ReportedAttribute& attribute) {
+  const std::string tag = attribute.tag.has_value() ? fmt::format(":{}", *attribute.tag) : "";
+  return fmt::format("{}{} = {}\n", Verda::escaped(attribute.name), tag,
+                     std::visit(ValueWriter(), attribute.value));
+}
+
+}  // namespace
+
+std::string textOf(const PacketReport& report) {
+  std::string text = headerLine(report);
+  for (const ReportedAttribute& attribute : report.attributes) {
+    text += attributeLine(attribute);
+  }
+  if (!isAccepted(report)) {
+    text += fmt::format("refused: {}\n", Verda::escaped(faultText(report)));
+  }
+  return text;
+}
+
+}  // namespace RadiusPacketTool
