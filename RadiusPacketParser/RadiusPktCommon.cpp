@@ -148,20 +148,18 @@ ErrorMsg transformUnit(U8* unit, const String& secret, const Bytes& reqAuth, con
                        attrInfo.isTagged, encrypt);
 }
 
-AttrInfo infoOf(const RadiusPacketParser::RadiusNode& entry) {
-  AttrInfo info;
+void setFound(const RadiusPacketParser::RadiusNode& entry, AttrInfo& info) {
   info.isConcat = entry.concat();
   info.isTagged = entry.hasTag();
   info.isInDict = true;
   info.encryptionType = entry.attributeEncryptionType();
   info.attributeType = entry.attributeType();
-  return info;
+  info.errorMsg = ErrorMsg::success;
 }
 
-AttrInfo missing(ErrorMsg errorMsg) {
-  AttrInfo info;
+void setMissing(ErrorMsg errorMsg, AttrInfo& info) {
+  info = AttrInfo();
   info.errorMsg = errorMsg;
-  return info;
 }
 
 }  // namespace
@@ -215,30 +213,40 @@ bool canAnswer(U8 response, U8 request) {
   }
 }
 
-AttrInfo getAttrInfo(Attribute attribute, const Ptr<const RadiusDict>& dict) {
-  VERDA_TRACE(codecTrace, Verda::traceEntries, "", "entry");
+void detail::attrInfoOf(const Attribute& attribute, const Ptr<const RadiusDict>& dict,
+                        AttrInfo& info) {
+  static constexpr std::string_view function = "getAttrInfo";
+  VERDA_TRACE_AS(codecTrace, Verda::traceEntries, "", function, "entry");
   VERDA_ASSERT(dict);
   if (attribute.attrId != RadiusAttributeId::VENDOR_SPECIFIC) {
     const auto* entry = dict->radiusAttribute().find(attribute.attrId);
     if (entry == nullptr) {
-      VERDA_TRACE(codecTrace, Verda::traceErrors, "",
-                  "Missing attribute: {} from radius dictionary", attribute.attrId);
-      return missing(ErrorMsg::invalidAttrId);
+      VERDA_TRACE_AS(codecTrace, Verda::traceErrors, "", function,
+                     "Missing attribute: {} from radius dictionary", attribute.attrId);
+      return setMissing(ErrorMsg::invalidAttrId, info);
     }
-    return infoOf(**entry);
+    return setFound(**entry, info);
   }
   const auto* vendor = dict->vendorAttribute().find(attribute.vendorId);
   if (vendor == nullptr) {
-    VERDA_TRACE(codecTrace, Verda::traceErrors, "", "Unsupported vendorId: {}", attribute.vendorId);
-    return missing(ErrorMsg::invalidVendorId);
+    VERDA_TRACE_AS(codecTrace, Verda::traceErrors, "", function, "Unsupported vendorId: {}",
+                   attribute.vendorId);
+    return setMissing(ErrorMsg::invalidVendorId, info);
   }
   const auto* entry = (*vendor)->vendorNodeDict().find(attribute.vendorAttrId);
   if (entry == nullptr) {
-    VERDA_TRACE(codecTrace, Verda::traceErrors, "", "Unsupported vendorAttrId: {} for vendorId: {}",
-                attribute.vendorAttrId, attribute.vendorId);
-    return missing(ErrorMsg::invalidVendorAttrId);
+    VERDA_TRACE_AS(codecTrace, Verda::traceErrors, "", function,
+                   "Unsupported vendorAttrId: {} for vendorId: {}", attribute.vendorAttrId,
+                   attribute.vendorId);
+    return setMissing(ErrorMsg::invalidVendorAttrId, info);
   }
-  return infoOf(**entry);
+  setFound(**entry, info);
+}
+
+AttrInfo getAttrInfo(Attribute attribute, const Ptr<const RadiusDict>& dict) {
+  AttrInfo info;
+  detail::attrInfoOf(attribute, dict, info);
+  return info;
 }
 
 ErrorMsg md5Calculator(const U8* data, U32 len, U8* digest) {
@@ -466,25 +474,31 @@ ErrorMsg encryptAttribute(Attribute attribute, U8* attrPtr, const String& secret
   return transformUnit(unit, secret, reqAuth, *hdr, attrInfo, true);
 }
 
-ErrorMsg decryptAttribute(Attribute attribute, U8* attrPtr, const String& secret,
-                          const Bytes& reqAuth, const Ptr<RadiusHdr>& hdr, AttrInfo attrInfo,
-                          const Ptr<const RadiusDict>& /*dict*/) {
-  VERDA_TRACE(codecTrace, Verda::traceEntries, "", "entry");
-  if (isRequest(hdr->code())) {
+ErrorMsg detail::revealUnit(const Attribute& attribute, U8* unit, const String& secret,
+                            const Bytes& reqAuth, const RadiusHdr& hdr, const AttrInfo& attrInfo) {
+  static constexpr std::string_view function = "decryptAttribute";
+  VERDA_TRACE_AS(codecTrace, Verda::traceEntries, "", function, "entry");
+  if (isRequest(hdr.code())) {
     VERDA_ASSERT_TEXT(reqAuth.empty(), "Request authenticator not NULL for request packet");
   } else {
     VERDA_ASSERT_TEXT(!reqAuth.empty(), "Request authenticator NULL for response packet");
   }
   if (!attrInfo.isInDict) {
-    VERDA_TRACE(codecTrace, Verda::traceErrors, "",
-                "Unknown Attribute, attrId: {}, vendorId: {}, vendorAttrId: {}", attribute.attrId,
-                attribute.vendorId, attribute.vendorAttrId);
+    VERDA_TRACE_AS(codecTrace, Verda::traceErrors, "", function,
+                   "Unknown Attribute, attrId: {}, vendorId: {}, vendorAttrId: {}",
+                   attribute.attrId, attribute.vendorId, attribute.vendorAttrId);
     return ErrorMsg::success;
   }
   if (!isHidden(attrInfo)) {
     return ErrorMsg::success;
   }
-  return transformUnit(attrPtr, secret, reqAuth, *hdr, attrInfo, false);
+  return transformUnit(unit, secret, reqAuth, hdr, attrInfo, false);
+}
+
+ErrorMsg decryptAttribute(Attribute attribute, U8* attrPtr, const String& secret,
+                          const Bytes& reqAuth, const Ptr<RadiusHdr>& hdr, AttrInfo attrInfo,
+                          const Ptr<const RadiusDict>& /*dict*/) {
+  return detail::revealUnit(attribute, attrPtr, secret, reqAuth, *hdr, attrInfo);
 }
 
 Ptr<PktReturn> invalidPkt(ErrorMsg errorMsg) {

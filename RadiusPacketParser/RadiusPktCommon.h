@@ -194,4 +194,18 @@ VERDA_EXPORT Verda::Ptr<PktReturn> invalidPkt(ErrorMsg errorMsg);
 /// The failed result of parsing or making a header: no header, and `errorMsg`.
 VERDA_EXPORT Verda::Ptr<RadiusHdrReturn> invalidHdr(ErrorMsg errorMsg);
 
+namespace detail {
+
+// What `getAttrInfo` and `decryptAttribute` do, for the walk, which asks both of every attribute.
+// Key and info go by reference: they have just been written field by field, and to load them whole
+// into a register, as passing them by value does, would stall the processor each time.
+
+void attrInfoOf(const Attribute& attribute,
+                const Verda::Ptr<const RadiusPacketParser::RadiusDict>& dict, AttrInfo& info);
+
+ErrorMsg revealUnit(const Attribute& attribute, Verda::U8* unit, const Verda::String& secret,
+                    const Verda::Bytes& reqAuth, const RadiusHdr& hdr, const AttrInfo& attrInfo);
+
+}  // namespace detail
+
 }  // namespace RadiusPktParserBase

@@ -57,6 +57,7 @@ struct VERDA_EXPORT Attribute {
   Verda::U8 attrId = 0;        ///< the attribute's type; 26 for a vendor attribute
   Verda::U8 vendorAttrId = 0;  ///< the vendor type; 0 for a standard attribute
 
+  // NOLINTNEXTLINE(modernize-use-nullptr): what the compiler makes of "= default"
   auto operator<=>(const Attribute&) const = default;
 
   /// Mixes all three fields with a collection's seed.

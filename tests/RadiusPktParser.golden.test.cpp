@@ -1,5 +1,6 @@
 #include <algorithm>
 #include <array>
+#include <numeric>
 #include <optional>
 #include <string>
 #include <vector>
@@ -124,6 +125,22 @@ TEST(GoldenPackets, AreRefusedWhenCutShortOfTheirLength) {
   }
 }
 
+TEST(GoldenPackets, ThatAreRefusedAreSurvivedAtEveryLength) {
+  for (const GoldenPacket& golden : goldenPackets()) {
+    for (std::size_t size = 0; size <= golden.packet.size() && !golden.isAccepted(); ++size) {
+      SCOPED_TRACE(testing::Message() << golden.name << " cut to " << size);
+      ByteVector packet(golden.packet.begin(),
+                        golden.packet.begin() + static_cast<std::ptrdiff_t>(size));
+      EXPECT_TRUE(walkAs(golden, packet).packetUnchanged);
+      if (size >= headerLength) {
+        packet[2] = static_cast<U8>(size / 256);
+        packet[3] = static_cast<U8>(size % 256);
+        EXPECT_TRUE(walkAs(golden, packet).packetUnchanged);
+      }
+    }
+  }
+}
+
 /// Whether a well-formed packet holds a Message-Authenticator of its own.
 bool holdsMessageAuthenticator(const ByteVector& packet) {
   for (std::size_t at = headerLength; at < lengthFieldOf(packet); at += packet[at + 1]) {
@@ -160,11 +177,16 @@ TEST(GoldenPackets, AreRefusedWhenCutShortWithTheirLengthUnlessNothingIsSigned) 
 
 // ---- Changed in one byte ----
 
-/// Other values for a byte: each bit turned, and the values at the ends.
-std::vector<U8> otherValues(U8 byte) {
+/// Other values for a byte of a golden packet: all of them for one that is accepted; each bit
+/// turned and the values at the ends for one that is refused anyway.
+std::vector<U8> otherValues(const GoldenPacket& golden, U8 byte) {
   std::vector<U8> values{0, 1, 2, 255};
   for (unsigned int bit = 0; bit < 8; ++bit) {
     values.push_back(static_cast<U8>(byte ^ (1U << bit)));
+  }
+  if (golden.isAccepted()) {
+    values.resize(256);
+    std::iota(values.begin(), values.end(), U8{0});
   }
   std::erase(values, byte);
   return values;
@@ -173,7 +195,7 @@ std::vector<U8> otherValues(U8 byte) {
 TEST(GoldenPackets, AreRefusedWithOneByteChangedUnlessNoDigestCoversIt) {
   for (const GoldenPacket& golden : goldenPackets()) {
     for (std::size_t at = 0; at < golden.packet.size(); ++at) {
-      for (const U8 value : otherValues(golden.packet[at])) {
+      for (const U8 value : otherValues(golden, golden.packet[at])) {
         ByteVector packet = golden.packet;
         packet[at] = value;
         const Walked walked = walkAs(golden, packet);

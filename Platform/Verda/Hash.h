@@ -16,12 +16,12 @@ constexpr U32 hashMix(U32 seed, U64 value) {
   return static_cast<U32>(mixed >> 32U) ^ static_cast<U32>(mixed);
 }
 
-/// The hash of a collection's key: numbers are mixed, text byte by byte, and a key type of its own
-/// brings a `hash(seed)`.
+/// The hash of a collection's key: a number is its own, so that neighbours never collide; text goes
+/// byte by byte, and a key type of its own brings a `hash(seed)`.
 template <typename Key>
 U32 hashOf(const Key& key, U32 seed) {
   if constexpr (std::integral<Key>) {
-    return hashMix(seed, static_cast<U64>(key));
+    return static_cast<U32>(key) ^ seed;
   } else if constexpr (std::is_convertible_v<const Key&, std::string_view>) {
     return hashMix(seed, std::hash<std::string_view>{}(key));
   } else {
