@@ -213,31 +213,28 @@ bool canAnswer(U8 response, U8 request) {
   }
 }
 
-void detail::attrInfoOf(const Attribute& attribute, const Ptr<const RadiusDict>& dict,
-                        AttrInfo& info) {
-  static constexpr std::string_view function = "getAttrInfo";
-  VERDA_TRACE_AS(codecTrace, Verda::traceEntries, "", function, "entry");
+void detail::getAttrInfo(const Attribute& attribute, const Ptr<const RadiusDict>& dict,
+                         AttrInfo& info) {
+  VERDA_TRACE(codecTrace, Verda::traceEntries, "", "entry");
   VERDA_ASSERT(dict);
   if (attribute.attrId != RadiusAttributeId::VENDOR_SPECIFIC) {
     const auto* entry = dict->radiusAttribute().find(attribute.attrId);
     if (entry == nullptr) {
-      VERDA_TRACE_AS(codecTrace, Verda::traceErrors, "", function,
-                     "Missing attribute: {} from radius dictionary", attribute.attrId);
+      VERDA_TRACE(codecTrace, Verda::traceErrors, "",
+                  "Missing attribute: {} from radius dictionary", attribute.attrId);
       return setMissing(ErrorMsg::invalidAttrId, info);
     }
     return setFound(**entry, info);
   }
   const auto* vendor = dict->vendorAttribute().find(attribute.vendorId);
   if (vendor == nullptr) {
-    VERDA_TRACE_AS(codecTrace, Verda::traceErrors, "", function, "Unsupported vendorId: {}",
-                   attribute.vendorId);
+    VERDA_TRACE(codecTrace, Verda::traceErrors, "", "Unsupported vendorId: {}", attribute.vendorId);
     return setMissing(ErrorMsg::invalidVendorId, info);
   }
   const auto* entry = (*vendor)->vendorNodeDict().find(attribute.vendorAttrId);
   if (entry == nullptr) {
-    VERDA_TRACE_AS(codecTrace, Verda::traceErrors, "", function,
-                   "Unsupported vendorAttrId: {} for vendorId: {}", attribute.vendorAttrId,
-                   attribute.vendorId);
+    VERDA_TRACE(codecTrace, Verda::traceErrors, "", "Unsupported vendorAttrId: {} for vendorId: {}",
+                attribute.vendorAttrId, attribute.vendorId);
     return setMissing(ErrorMsg::invalidVendorAttrId, info);
   }
   setFound(**entry, info);
@@ -245,7 +242,7 @@ void detail::attrInfoOf(const Attribute& attribute, const Ptr<const RadiusDict>&
 
 AttrInfo getAttrInfo(Attribute attribute, const Ptr<const RadiusDict>& dict) {
   AttrInfo info;
-  detail::attrInfoOf(attribute, dict, info);
+  detail::getAttrInfo(attribute, dict, info);
   return info;
 }
 
@@ -474,19 +471,19 @@ ErrorMsg encryptAttribute(Attribute attribute, U8* attrPtr, const String& secret
   return transformUnit(unit, secret, reqAuth, *hdr, attrInfo, true);
 }
 
-ErrorMsg detail::revealUnit(const Attribute& attribute, U8* unit, const String& secret,
-                            const Bytes& reqAuth, const RadiusHdr& hdr, const AttrInfo& attrInfo) {
-  static constexpr std::string_view function = "decryptAttribute";
-  VERDA_TRACE_AS(codecTrace, Verda::traceEntries, "", function, "entry");
+ErrorMsg detail::decryptAttribute(const Attribute& attribute, U8* unit, const String& secret,
+                                  const Bytes& reqAuth, const RadiusHdr& hdr,
+                                  const AttrInfo& attrInfo) {
+  VERDA_TRACE(codecTrace, Verda::traceEntries, "", "entry");
   if (isRequest(hdr.code())) {
     VERDA_ASSERT_TEXT(reqAuth.empty(), "Request authenticator not NULL for request packet");
   } else {
     VERDA_ASSERT_TEXT(!reqAuth.empty(), "Request authenticator NULL for response packet");
   }
   if (!attrInfo.isInDict) {
-    VERDA_TRACE_AS(codecTrace, Verda::traceErrors, "", function,
-                   "Unknown Attribute, attrId: {}, vendorId: {}, vendorAttrId: {}",
-                   attribute.attrId, attribute.vendorId, attribute.vendorAttrId);
+    VERDA_TRACE(codecTrace, Verda::traceErrors, "",
+                "Unknown Attribute, attrId: {}, vendorId: {}, vendorAttrId: {}", attribute.attrId,
+                attribute.vendorId, attribute.vendorAttrId);
     return ErrorMsg::success;
   }
   if (!isHidden(attrInfo)) {
@@ -498,7 +495,7 @@ ErrorMsg detail::revealUnit(const Attribute& attribute, U8* unit, const String& 
 ErrorMsg decryptAttribute(Attribute attribute, U8* attrPtr, const String& secret,
                           const Bytes& reqAuth, const Ptr<RadiusHdr>& hdr, AttrInfo attrInfo,
                           const Ptr<const RadiusDict>& /*dict*/) {
-  return detail::revealUnit(attribute, attrPtr, secret, reqAuth, *hdr, attrInfo);
+  return detail::decryptAttribute(attribute, attrPtr, secret, reqAuth, *hdr, attrInfo);
 }
 
 Ptr<PktReturn> invalidPkt(ErrorMsg errorMsg) {

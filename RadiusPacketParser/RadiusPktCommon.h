@@ -200,11 +200,12 @@ namespace detail {
 // Key and info go by reference: they have just been written field by field, and to load them whole
 // into a register, as passing them by value does, would stall the processor each time.
 
-void attrInfoOf(const Attribute& attribute,
-                const Verda::Ptr<const RadiusPacketParser::RadiusDict>& dict, AttrInfo& info);
+void getAttrInfo(const Attribute& attribute,
+                 const Verda::Ptr<const RadiusPacketParser::RadiusDict>& dict, AttrInfo& info);
 
-ErrorMsg revealUnit(const Attribute& attribute, Verda::U8* unit, const Verda::String& secret,
-                    const Verda::Bytes& reqAuth, const RadiusHdr& hdr, const AttrInfo& attrInfo);
+ErrorMsg decryptAttribute(const Attribute& attribute, Verda::U8* unit, const Verda::String& secret,
+                          const Verda::Bytes& reqAuth, const RadiusHdr& hdr,
+                          const AttrInfo& attrInfo);
 
 }  // namespace detail
 

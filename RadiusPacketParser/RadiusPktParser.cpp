@@ -293,7 +293,7 @@ class PacketWalk {
     static_cast<void>(reader.read(vendorId) && reader.read(vendorType) &&
                       reader.read(vendorLength));
     unit.key = vendorAttribute(vendorId, vendorType);
-    detail::attrInfoOf(unit.key, parser_.dictionary(), unit.info);
+    detail::getAttrInfo(unit.key, parser_.dictionary(), unit.info);
     const U32 expected = U32{vendorLength} + VsaConstants::vendorTypeOffset();
     if (attribute.size() != expected) {
       TRACE_FAULT("Attribute length: {} and Vendor attribute length: {} differ", attribute.size(),
@@ -307,7 +307,7 @@ class PacketWalk {
   ErrorMsg openStandard(ByteView attribute, Unit& unit) {
     const U8 type = attribute[AttributeConstants::typeOffset()];
     unit.key = standardAttribute(type);
-    detail::attrInfoOf(unit.key, parser_.dictionary(), unit.info);
+    detail::getAttrInfo(unit.key, parser_.dictionary(), unit.info);
     unit.bytes = attribute;
     switch (type) {
       case RadiusAttributeId::MESSAGE_AUTHENTICATOR:
@@ -370,7 +370,8 @@ class PacketWalk {
     const std::span<U8> copy = std::span<U8>(scratch).first(unit.bytes.size());
     std::memcpy(copy.data(), unit.bytes.data(), unit.bytes.size());
     const ZoCrypto::CleanseOnExit clean(isHidden(unit.info) ? copy : copy.first(0));
-    ErrorMsg fault = detail::revealUnit(unit.key, copy.data(), secret_, reqAuth_, *hdr_, unit.info);
+    ErrorMsg fault =
+        detail::decryptAttribute(unit.key, copy.data(), secret_, reqAuth_, *hdr_, unit.info);
     if (fault == ErrorMsg::success) {
       fault =
           decodeValue(unit.key, unit.info, copy.subspan(AttributeConstants::valueOffset()), value_);
