@@ -2,10 +2,10 @@
 
 #include <algorithm>
 #include <array>
-#include <cstddef>
 #include <exception>
 #include <string>
 #include <string_view>
+#include <utility>
 
 #include <CLI/CLI.hpp>
 
@@ -18,18 +18,35 @@ namespace {
 
 constexpr const char* usageHint = "radius-packet --help and radius-packet COMMAND --help tell more";
 
-/// The arguments as the parser wants them, last one first. `--option=` becomes an option and an
-/// empty value, for the parser would take the next argument as the value.
+constexpr std::string_view secretOption = "--secret";
+constexpr std::string_view emptySecret = "--secret=";
+
+/// Whether an argument is `--option=`, which the parser would not tell from `--option`.
+bool hasEmptyValue(std::string_view argument) {
+  return argument.starts_with("--") && argument.find('=') + 1 == argument.size();
+}
+
+/// The arguments as the parser wants them, last one first. `--secret=` becomes the option and an
+/// empty value, for the parser would take the next argument as the value. `[a,b]` becomes
+/// `./[a,b]`, the same file, for the parser would take it for a list of two.
 std::vector<std::string> parserArguments(std::span<const char* const> arguments) {
   std::vector<std::string> result;
   bool optionsEnded = false;
+  bool secretFollows = false;
   for (const std::string_view argument : arguments) {
-    optionsEnded = optionsEnded || argument == "--";
-    const std::size_t nameLength = argument.find('=');
-    if (!optionsEnded && argument.starts_with("--") && nameLength + 1 == argument.size()) {
-      result.emplace_back(argument.substr(0, nameLength));
+    const bool isSecret = std::exchange(secretFollows, false);
+    optionsEnded = optionsEnded || (!isSecret && argument == "--");
+    if (isSecret) {
+      result.emplace_back(argument);
+    } else if (!optionsEnded && argument == emptySecret) {
+      result.emplace_back(secretOption);
       result.emplace_back();
+    } else if (!optionsEnded && hasEmptyValue(argument)) {
+      throw CLI::ArgumentMismatch("no option but --secret takes an empty value behind =");
+    } else if (argument.starts_with('[') && argument.ends_with(']')) {
+      result.emplace_back("./").append(argument);
     } else {
+      secretFollows = !optionsEnded && argument == secretOption;
       result.emplace_back(argument);
     }
   }
@@ -37,10 +54,26 @@ std::vector<std::string> parserArguments(std::span<const char* const> arguments)
   return result;
 }
 
+/// What is wrong with the arguments. The parser's own text is used only where it is known to repeat
+/// no argument: behind a mistyped option, any argument may be a secret.
+std::string_view usageFault(const CLI::ParseError& error) {
+  switch (static_cast<CLI::ExitCodes>(error.get_exit_code())) {
+    case CLI::ExitCodes::ArgumentMismatch:
+    case CLI::ExitCodes::ExcludesError:
+    case CLI::ExitCodes::RequiredError:
+    case CLI::ExitCodes::ValidationError:
+      return error.what();
+    case CLI::ExitCodes::ExtrasError:
+      return "there is an option or argument that was not expected";
+    default:
+      return "an option has a value that it does not take";
+  }
+}
+
 /// Help and version are no errors: they go to standard output.
 ExitCode endOfParsing(const CLI::App& program, const CLI::ParseError& end) {
   if (end.get_exit_code() != static_cast<int>(CLI::ExitCodes::Success)) {
-    complain(end.what());
+    complain(usageFault(end));
     complain(usageHint);
     return ExitCode::usage;
   }

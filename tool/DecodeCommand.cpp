@@ -28,13 +28,18 @@ constexpr const char* footer =
     "given; every other packet needs that of the request which it answers.\n"
     "\n"
     "With --json, text values are escaped as in the text form (\\n, \\xNN, \\\", \\\\) and bytes "
-    "are 0x\n"
-    "and hex digits; `hex` is the value as on the wire, still hidden.\n"
+    "are hex\n"
+    "digits without 0x; `hex` is the value as on the wire, still hidden.\n"
     "\n"
     "Exit status: 0 all packets are good; 1 a check of authenticity failed or could not be made; 2 "
     "a\n"
     "packet is refused for another fault; 3 the dictionary does not load; 64 wrong usage; 66\n"
     "unreadable input; 74 standard output cannot be written.";
+
+/// What is wrong with a format's name, without the name: it may be a secret that went astray.
+std::string formatFault(const std::string& format) {
+  return format == "hex" ? "" : "hex is the only format";
+}
 
 /// Prints reports one behind the other, and says on standard error which packets are refused.
 class ReportPrinter {
@@ -78,7 +83,7 @@ DecodeCommand::DecodeCommand(CLI::App& program)
   app()
       .add_option("-f", format_, "Format of the input; hex is the only one")
       ->type_name("FORMAT")
-      ->check(CLI::IsMember({"hex"}));
+      ->check(formatFault, "{hex}");
   app().add_flag("--json", json_, "Print one JSON object per packet and line");
   app().add_option("FILE", files_, "Files to read")->type_name("");
   app().footer(footer);
@@ -86,6 +91,7 @@ DecodeCommand::DecodeCommand(CLI::App& program)
 
 ExitCode DecodeCommand::run() {
   const Verda::Bytes authenticator = requestAuthenticator();
+  checkStandardInput();
   const Secret secret = secret_.secret();
   const auto dictionary = loadDictionary(dictionaryPath_);
   const std::vector<PacketSource> sources = readPackets(files_);
@@ -100,6 +106,14 @@ ExitCode DecodeCommand::run() {
     }
   }
   return printer.exitCode();
+}
+
+/// Throws `ToolError` when both the secret and packets would come from standard input.
+void DecodeCommand::checkStandardInput() const {
+  if (secret_.readsStandardInput() && readsStandardInput(files_)) {
+    throw ToolError(ExitCode::usage,
+                    "standard input (-) cannot give both the secret and the packets");
+  }
 }
 
 /// Empty when none is given. Throws `ToolError` for anything but one authenticator in hex.

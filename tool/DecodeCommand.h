@@ -22,6 +22,7 @@ class DecodeCommand final : public Command {
 
  private:
   Verda::Bytes requestAuthenticator() const;
+  void checkStandardInput() const;
 
   SecretOption secret_;
   CLI::Option* requestAuthenticatorOption_;

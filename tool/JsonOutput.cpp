@@ -1,6 +1,10 @@
 #include "tool/JsonOutput.h"
 
+#include <array>
+#include <cstddef>
 #include <optional>
+#include <string_view>
+#include <utility>
 #include <variant>
 
 #include <nlohmann/json.hpp>
@@ -25,6 +29,7 @@ Json jsonOrNull(const std::optional<Value>& value) {
 struct ValueWriter {
   Json operator()(const ShownNumber& number) const { return number.number; }
   Json operator()(const ShownText& text) const { return text.escaped; }
+  Json operator()(const ShownBytes& shown) const { return hexText(shown.bytes); }
   Json operator()(const ShownPlain& plain) const { return plain.text; }
 };
 
@@ -69,10 +74,27 @@ Json packetJson(const PacketReport& report) {
   return packet;
 }
 
+/// JSON allows these two inside a string as they are, but readers that split lines as Unicode says
+/// would see the object end there.
+void escapeLineSeparators(std::string& json) {
+  constexpr std::string_view lineSeparator = "\xe2\x80\xa8";
+  constexpr std::string_view paragraphSeparator = "\xe2\x80\xa9";
+  constexpr std::array<std::pair<std::string_view, std::string_view>, 2> escapes{
+      {{lineSeparator, "\\u2028"}, {paragraphSeparator, "\\u2029"}}};
+  for (const auto& [separator, escape] : escapes) {
+    for (std::size_t at = json.find(separator); at != std::string::npos;
+         at = json.find(separator, at)) {
+      json.replace(at, separator.size(), escape);
+    }
+  }
+}
+
 }  // namespace
 
 std::string jsonOf(const PacketReport& report) {
-  return packetJson(report).dump() + '\n';
+  std::string json = packetJson(report).dump();
+  escapeLineSeparators(json);
+  return json + '\n';
 }
 
 }  // namespace RadiusPacketTool

@@ -7,7 +7,8 @@
 namespace RadiusPacketTool {
 
 /// A packet for programs: one JSON object on one line, valid UTF-8 whatever the packet holds. Text
-/// values are escaped as in the text form, without the quotes; bytes are `0x` and their digits.
+/// values are escaped as in the text form, without the quotes; bytes are bare hex digits. No reader
+/// sees a line end within the object.
 std::string jsonOf(const PacketReport& report);
 
 }  // namespace RadiusPacketTool

@@ -23,6 +23,10 @@ PacketSource readSource(const std::string& name) {
 
 }  // namespace
 
+bool readsStandardInput(const std::vector<std::string>& files) {
+  return files.empty() || std::ranges::find(files, standardInputName) != files.end();
+}
+
 std::vector<PacketSource> readPackets(const std::vector<std::string>& files) {
   if (std::ranges::count(files, standardInputName) > 1) {
     throw ToolError(ExitCode::usage, "standard input (-) can be read only once");

@@ -13,6 +13,9 @@ struct PacketSource {
   std::vector<std::vector<Verda::U8>> packets;
 };
 
+/// Whether packets of these files come from standard input.
+bool readsStandardInput(const std::vector<std::string>& files);
+
 /// Reads the packets of all files, of standard input when there are none. All is read before
 /// anything is returned, so bad input anywhere gives no output. Throws `ToolError` when a file
 /// cannot be read, is no hex, or when there is no packet at all.

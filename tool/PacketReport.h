@@ -28,14 +28,21 @@ struct ShownText {
   bool operator==(const ShownText&) const = default;
 };
 
-/// What is neither: hex, addresses, numbers of 64 bits.
+/// Bytes that are no text.
+struct ShownBytes {
+  std::vector<Verda::U8> bytes;
+
+  bool operator==(const ShownBytes&) const = default;
+};
+
+/// What is none of these: addresses, numbers of 64 bits, bytes in the place of text.
 struct ShownPlain {
   std::string text;
 
   bool operator==(const ShownPlain&) const = default;
 };
 
-using ShownValue = std::variant<ShownNumber, ShownText, ShownPlain>;
+using ShownValue = std::variant<ShownNumber, ShownText, ShownBytes, ShownPlain>;
 
 /// One attribute as the hook received it.
 struct ReportedAttribute {

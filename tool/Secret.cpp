@@ -37,7 +37,7 @@ struct CleansingAllocator {
 
 std::string_view withoutNewline(std::string_view text) {
   if (text.ends_with('\n')) {
-    text.remove_suffix(text.ends_with("\r\n") ? 2 : 1);
+    text.remove_suffix(1);
   }
   return text;
 }

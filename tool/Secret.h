@@ -21,8 +21,8 @@ class Secret {
   Verda::String text_;
 };
 
-/// The content of a file without one newline (LF or CR LF) at its end. Throws `ToolError` when the
-/// file cannot be read.
+/// The content of a file without one newline at its end; a CR before it is part of the secret.
+/// Throws `ToolError` when the file cannot be read.
 Secret readSecretFile(const std::string& path);
 
 }  // namespace RadiusPacketTool

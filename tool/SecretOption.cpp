@@ -6,6 +6,7 @@
 #include "Verda/Types.h"
 #include "ZoCrypto/Cleanse.h"
 
+#include "tool/FileBytes.h"
 #include "tool/ToolError.h"
 
 namespace RadiusPacketTool {
@@ -36,6 +37,10 @@ Secret SecretOption::secretFromText() {
   auto& text = const_cast<std::string&>(textOption_->results().front());
   const ZoCrypto::CleanseOnExit cleanText({reinterpret_cast<Verda::U8*>(text.data()), text.size()});
   return Secret(text);
+}
+
+bool SecretOption::readsStandardInput() const {
+  return file_ == standardInputName;
 }
 
 Secret SecretOption::secret() {

@@ -14,6 +14,9 @@ class SecretOption {
   /// Adds the options to `command`, which must outlive the object.
   explicit SecretOption(CLI::App& command);
 
+  /// Whether the secret's file is standard input.
+  bool readsStandardInput() const;
+
   /// The secret, once the command line is parsed. Throws `ToolError` when none is given or its file
   /// cannot be read.
   Secret secret();

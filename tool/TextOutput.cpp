@@ -70,6 +70,7 @@ struct ValueWriter {
   std::string operator()(const ShownText& text) const {
     return fmt::format("\"{}\"", text.escaped);
   }
+  std::string operator()(const ShownBytes& shown) const { return prefixedHex(shown.bytes); }
   std::string operator()(const ShownPlain& plain) const { return plain.text; }
 };
 
@@ -85,9 +86,6 @@ std::string textOf(const PacketReport& report) {
   std::string text = headerLine(report);
   for (const ReportedAttribute& attribute : report.attributes) {
     text += attributeLine(attribute);
-  }
-  if (!isAccepted(report)) {
-    text += fmt::format("refused: {}\n", Verda::escaped(faultText(report)));
   }
   return text;
 }

@@ -6,8 +6,8 @@
 
 namespace RadiusPacketTool {
 
-/// A packet for people: a header line, one `Name = value` line per attribute, and for a refused
-/// packet a line that says why. Whatever the packet holds, nothing in it can drive a terminal.
+/// A packet for people: a header line, then one `Name = value` line per attribute. Whatever the
+/// packet holds, nothing in it can drive a terminal.
 std::string textOf(const PacketReport& report);
 
 }  // namespace RadiusPacketTool

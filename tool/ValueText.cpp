@@ -27,6 +27,7 @@ using RadiusPacketParser::RadiusDynAuthErrorCode;
 using RadiusPacketParser::RadiusServiceTypeValue;
 using RadiusPktParserBase::Attribute;
 using RadiusPktParserBase::AttrInfo;
+using RadiusPktParserBase::ipv6PrefixLengthOffset;
 using RadiusPktParserBase::TaggedInt;
 using RadiusPktParserBase::TaggedStr;
 using Verda::U32;
@@ -90,10 +91,6 @@ ReadableValue readableNumber64(U64 inMemoryOrder) {
 
 // ---- Addresses ----
 
-/// Where the prefix length stands in the value of an IPv6 prefix, behind the reserved byte (RFC
-/// 3162 section 2.3).
-constexpr std::size_t prefixLengthOffset = 1;
-
 /// Four groups of four digits, as interface identifiers are usually written.
 std::string interfaceIdText(ByteView address) {
   const std::string digits = hexText(address.last(AttributeConstants::ipv6InterfaceLength()));
@@ -114,8 +111,8 @@ std::string addressText(const AttrInfo& info, const Zonet::IpGenPrefix& prefix, 
     case RadiusAttributeType::ipv6prefix:
       // The User-Password method hides the prefix length, and the hook's value does not carry it.
       if (info.encryptionType != RadiusPktParserBase::userPasswordMethod &&
-          wire.size() > prefixLengthOffset) {
-        return fmt::format("{}/{}", address.text(), wire[prefixLengthOffset]);
+          wire.size() > ipv6PrefixLengthOffset) {
+        return fmt::format("{}/{}", address.text(), wire[ipv6PrefixLengthOffset]);
       }
       [[fallthrough]];
     default:
@@ -125,6 +122,10 @@ std::string addressText(const AttrInfo& info, const Zonet::IpGenPrefix& prefix, 
 
 // ---- Text and bytes ----
 
+bool isText(const AttrInfo& info) {
+  return info.attributeType == RadiusAttributeType::string;
+}
+
 ByteView withoutPadding(ByteView bytes) {
   while (!bytes.empty() && bytes.back() == 0) {
     bytes = bytes.first(bytes.size() - 1);
@@ -132,11 +133,15 @@ ByteView withoutPadding(ByteView bytes) {
   return bytes;
 }
 
+ShownBytes shownAsBytes(ByteView bytes) {
+  return {{bytes.begin(), bytes.end()}};
+}
+
 ShownValue shownBytes(const AttrInfo& info, ByteView bytes) {
-  if (info.attributeType == RadiusAttributeType::string) {
+  if (isText(info)) {
     return ShownText{Verda::escaped(textView(bytes), "\"\\")};
   }
-  return ShownPlain{prefixedHex(bytes)};
+  return shownAsBytes(bytes);
 }
 
 /// @param bytes  salt, length byte, content and padding; as much as there is
@@ -144,7 +149,8 @@ ShownValue shownSalted(const AttrInfo& info, ByteView bytes) {
   const ByteView revealed =
       bytes.subspan(std::min<std::size_t>(AttributeConstants::saltLength(), bytes.size()));
   if (revealed.empty() || revealed.front() > revealed.size() - 1) {
-    return ShownPlain{prefixedHex(revealed)};
+    // Where a reader expects text, the prefix says that this is none.
+    return isText(info) ? ShownValue(ShownPlain{prefixedHex(revealed)}) : shownAsBytes(revealed);
   }
   return shownBytes(info, revealed.subspan(1, revealed.front()));
 }
@@ -157,7 +163,8 @@ ReadableValue readableBytes(const AttrInfo& info, ByteView bytes) {
   }
   switch (info.encryptionType) {
     case RadiusPktParserBase::userPasswordMethod:
-      result.value = shownBytes(info, withoutPadding(bytes));
+      // Only text is known not to end with zeros of its own.
+      result.value = shownBytes(info, isText(info) ? withoutPadding(bytes) : bytes);
       break;
     case RadiusPktParserBase::saltedMethod:
       result.value = shownSalted(info, bytes);

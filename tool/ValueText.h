@@ -16,9 +16,9 @@ struct ReadableValue {
   ShownValue value;
 };
 
-/// Makes a value that the library's hook received readable: takes off the tag, the padding of a
-/// User-Password, and salt, length byte and padding of a salted value. A salted value whose length
-/// byte does not fit is shown as all its revealed bytes.
+/// Makes a value that the library's hook received readable: takes off the tag, the padding of
+/// text hidden as a User-Password, and salt, length byte and padding of a salted value. A salted
+/// value whose length byte does not fit is shown as all its revealed bytes.
 /// @param wire  the value as on the wire, for what the hook's value does not carry
 ReadableValue readableValue(const RadiusPktParserBase::Attribute& key,
                             const RadiusPktParserBase::AttrInfo& info,

@@ -1,5 +1,7 @@
 #include "tool/JsonOutput.h"
 
+#include <string>
+
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
 
@@ -57,6 +59,30 @@ TEST(JsonOutput, WritesAttributesInOrder) {
             R"("type":"integer","tag":0,"value":16777215,"hex":"00ffffff"},)"
             R"({"attrId":26,"vendorId":4294967295,"vendorAttrId":255,"name":"Attr-26.9.1",)"
             R"("type":"unknown","tag":null,"value":"a\\\"\\\\\\x00","hex":""}])");
+}
+
+TEST(JsonOutput, WritesBytesAsBareDigits) {
+  PacketReport report = sampleReport();
+  report.attributes = {sampleAttribute("State", ShownBytes{{0x00, 0xab, 0xff}}),
+                       sampleAttribute("State", ShownBytes{}),
+                       sampleAttribute("Tunnel-Password", ShownPlain{"0xff"}, 1)};
+  const auto attributes = nlohmann::json::parse(jsonOf(report)).at("attributes");
+  EXPECT_EQ(attributes.at(0).at("value"), "00abff");
+  EXPECT_EQ(attributes.at(1).at("value"), "");
+  EXPECT_EQ(attributes.at(2).at("value"), "0xff");
+}
+
+TEST(JsonOutput, EscapesTheLineEndsOfUnicode) {
+  constexpr const char* separators = "a\xe2\x80\xa8\xe2\x80\xa8\xe2\x80\xa9\xe2\x80\xaa";
+  PacketReport report = sampleReport();
+  report.reason = separators;
+  report.attributes = {sampleAttribute("User-Name", ShownText{separators})};
+  const std::string json = jsonOf(report);
+  EXPECT_NE(json.find("\"reason\":\"a\\u2028\\u2028\\u2029\xe2\x80\xaa\""), std::string::npos)
+      << json;
+  EXPECT_EQ(json.find("\xe2\x80\xa8"), std::string::npos) << json;
+  EXPECT_EQ(json.find("\xe2\x80\xa9"), std::string::npos) << json;
+  EXPECT_EQ(nlohmann::json::parse(json).at("attributes").at(0).at("value"), separators);
 }
 
 TEST(JsonOutput, IsUtf8WhateverNamesHold) {

@@ -121,12 +121,12 @@ TEST(ValueText, ShowsText) {
   }
 }
 
-TEST(ValueText, ShowsOctetsAndUnknownValuesAsHex) {
+TEST(ValueText, ShowsOctetsAndUnknownValuesAsBytes) {
   for (const auto type : {RadiusAttributeType::octets, RadiusAttributeType::unknown}) {
     SCOPED_TRACE(type);
-    EXPECT_EQ(readable(infoOf(type), Bytes{}).value, ShownValue(ShownPlain{"0x"}));
+    EXPECT_EQ(readable(infoOf(type), Bytes{}).value, ShownValue(ShownBytes{}));
     EXPECT_EQ(readable(infoOf(type), Bytes{0x61, 0x00, 0xff}).value,
-              ShownValue(ShownPlain{"0x6100ff"}));
+              ShownValue(ShownBytes{{0x61, 0x00, 0xff}}));
   }
 }
 
@@ -134,13 +134,27 @@ TEST(ValueText, TakesTagAndHidingOffOctets) {
   const ReadableValue value = readable(infoOf(RadiusAttributeType::octets, tagged, salted),
                                        Bytes{7, 0x80, 1, 2, 10, 11, 0});
   EXPECT_EQ(value.tag, U8{7});
-  EXPECT_EQ(value.value, ShownValue(ShownPlain{"0x0a0b"}));
+  EXPECT_EQ(value.value, ShownValue(ShownBytes{{10, 11}}));
+}
+
+TEST(ValueText, SaltedOctetsWhoseLengthByteDoesNotFitAreBytesAllTheSame) {
+  EXPECT_EQ(
+      readable(infoOf(RadiusAttributeType::octets, untagged, salted), Bytes{0x80, 1, 3, 10, 11})
+          .value,
+      ShownValue(ShownBytes{{3, 10, 11}}));
+}
+
+TEST(ValueText, OctetsHiddenAsAPasswordKeepTheirZeros) {
+  EXPECT_EQ(
+      readable(infoOf(RadiusAttributeType::octets, untagged, userPassword), Bytes{10, 0, 11, 0, 0})
+          .value,
+      ShownValue(ShownBytes{{10, 0, 11, 0, 0}}));
 }
 
 TEST(ValueText, TaggedOctetsWithoutBytesHaveNoTag) {
   const ReadableValue value = readable(infoOf(RadiusAttributeType::octets, tagged), Bytes{});
   EXPECT_EQ(value.tag, std::nullopt);
-  EXPECT_EQ(value.value, ShownValue(ShownPlain{"0x"}));
+  EXPECT_EQ(value.value, ShownValue(ShownBytes{}));
 }
 
 // ---- Numbers ----

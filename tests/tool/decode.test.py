@@ -21,7 +21,8 @@ import unittest
 
 PROGRAM, DATA = sys.argv[1], pathlib.Path(sys.argv[2])
 DICTIONARIES = DATA.parent.parent / "dictionaries"
-GOLDEN_COUNT = 142
+GOLDEN_COUNT = int(re.search(r"goldenPacketCount = (\d+);", (
+    DATA.parent / "support" / "GoldenPackets.h").read_text())[1])
 VARIABLE = "RADIUS_PACKET_SECRET"
 SECRET = "golden-packets"
 REQUEST_AUTHENTICATOR = bytes(range(0xA0, 0xB0))
@@ -180,14 +181,14 @@ def shown_bytes(value, kind, flags):
     tag = None
     if "has_tag" in flags and value:
         tag, value = value[0], value[1:]
-    if "encrypt=1" in flags:
+    if "encrypt=1" in flags and kind == "string":
         value = value.rstrip(b"\0")
     if "encrypt=2" in flags:
         value = value[2:]
         if not value or value[0] > len(value) - 1:
-            return tag, "0x" + value.hex()
+            return tag, ("0x" if kind == "string" else "") + value.hex()
         value = value[1:1 + value[0]]
-    return tag, escaped(value) if kind == "string" else "0x" + value.hex()
+    return tag, escaped(value) if kind == "string" else value.hex()
 
 
 def shown(directive, wire):
@@ -261,13 +262,9 @@ class GoldenPackets(unittest.TestCase):
                 with self.subTest(golden.path.name):
                     lines = golden.decode(folder).text.splitlines()
                     self.assertTrue(lines[0].endswith(f", packet 1 of {golden.path}"))
-                    accepted = golden.result == "success"
-                    attributes = lines[1:] if accepted else lines[1:-1]
-                    self.assertEqual(len(attributes), len(golden.attributes))
-                    for line in attributes:
+                    self.assertEqual(len(lines) - 1, len(golden.attributes))
+                    for line in lines[1:]:
                         self.assertRegex(line, r"^[A-Za-z0-9.-]+(:\d+)? = \S")
-                    if not accepted:
-                        self.assertTrue(lines[-1].startswith(f"refused: {golden.result}"))
 
 
 class PublishedPackets(unittest.TestCase):
@@ -337,6 +334,7 @@ class Usage(unittest.TestCase):
         for arguments in ([], ["frobnicate"], ["decode", "--bogus"], ["decode", "-f", "pcap"],
                           ["decode", "-f"], ["decode", "-a"], ["decode", "-d"], ["decode", "-s"],
                           ["decode", "--secret"], ["decode", "--json=maybe"],
+                          ["decode", "--json="], ["decode", "--json=", "--json"],
                           ["decode", "-f", "hex", "-f", "hex"]):
             with self.subTest(arguments):
                 result = run(*arguments, stdin=request, variable=SECRET)
@@ -360,6 +358,17 @@ class Usage(unittest.TestCase):
         with tempfile.TemporaryDirectory() as folder:
             (pathlib.Path(folder) / "decode").write_text(GOOD_REQUEST.hex())
             self.assertEqual(decode("decode", cwd=folder).status, 0)
+
+    def test_a_file_may_be_called_like_a_list(self):
+        with tempfile.TemporaryDirectory() as folder:
+            (pathlib.Path(folder) / "[a,b]").write_text(GOOD_REQUEST.hex())
+            (pathlib.Path(folder) / "[]").write_text(SECRET)
+            for arguments in (["[a,b]"], ["--", "[a,b]"], ["-s", "[]", "[a,b]"],
+                              ["--secret", "[a,b]", "[a,b]"], ["--", "[a,b]", "[a,b]"]):
+                with self.subTest(arguments):
+                    result = decode("--json", *arguments, cwd=folder)
+                    self.assertEqual((result.status, result.errors), (0, ""))
+                    self.assertEqual({report["source"] for report in result.packets}, {"./[a,b]"})
 
     def test_standard_input_can_be_named_once(self):
         result = decode("-", "-", stdin=GOOD_REQUEST.hex())
@@ -439,7 +448,7 @@ class Secret(unittest.TestCase):
         self.assertTrue(self.takes("abc", "-s", self.file(b"abc")))
         self.assertTrue(self.takes("abc", "-s", self.file(b"abc\n")))
         self.assertTrue(self.takes("abc\n", "-s", self.file(b"abc\n\n")))
-        self.assertTrue(self.takes("abc", "-s", self.file(b"abc\r\n")))
+        self.assertTrue(self.takes("abc\r", "-s", self.file(b"abc\r\n")))
         self.assertTrue(self.takes("", "-s", self.file(b"\n")))
         self.assertTrue(self.takes("", "-s", self.file(b"")))
         self.assertTrue(self.takes("ab", "-s", self.file(b"ab\0cd")))
@@ -453,7 +462,12 @@ class Secret(unittest.TestCase):
         self.assertTrue(self.takes("-abc", "--secret", "-abc"))
         self.assertTrue(self.takes("a\n", "--secret", "a\n"))
         self.assertTrue(self.takes("[a,b]", "--secret", "[a,b]"))
+        self.assertTrue(self.takes("[a,b]", "--secret=[a,b]"))
         self.assertTrue(self.takes("a=", "--secret=a="))
+        self.assertTrue(self.takes("--abc=", "--secret", "--abc="))
+        self.assertTrue(self.takes("--secret=", "--secret", "--secret="))
+        self.assertTrue(self.takes("--secret", "--secret", "--secret"))
+        self.assertTrue(self.takes("--", "--secret", "--"))
 
     def test_comes_from_the_variable(self):
         self.assertTrue(self.takes("abc", variable="abc"))
@@ -468,6 +482,26 @@ class Secret(unittest.TestCase):
         path = self.folder / "packet"
         path.write_text(packet(2, secret="").hex())
         self.assertEqual(run("decode", *A_OPTION, "--secret=", path).status, 0)
+
+    def test_that_looks_like_an_option_does_not_take_the_next_argument(self):
+        path = self.folder / "packet"
+        path.write_text(packet(2, secret="--abc=").hex())
+        self.assertEqual(run("decode", *A_OPTION, "--secret", "--abc=", path).status, 0)
+
+    def test_comes_from_standard_input_when_packets_do_not(self):
+        path = self.folder / "packet"
+        path.write_text(packet(2, secret="abc").hex())
+        self.assertEqual(run("decode", *A_OPTION, "-s", "-", path, stdin="abc\n").status, 0)
+
+    def test_standard_input_cannot_give_packets_too(self):
+        path = self.folder / "packet"
+        path.write_text(packet(2, secret="abc").hex())
+        for files in ([], ["-"], [path, "-"]):
+            with self.subTest(files):
+                result = run("decode", *A_OPTION, "-s", "-", *files, stdin="abc\n")
+                self.assertEqual((result.status, result.text), (64, ""))
+                self.assertEqual(result.errors, "radius-packet: standard input (-) cannot give "
+                                                "both the secret and the packets\n")
 
     def test_both_options_are_wrong_usage(self):
         for arguments in (["-s", self.file(b"a"), "--secret", "b"],
@@ -487,6 +521,39 @@ class Secret(unittest.TestCase):
             result = run("decode", "-s", path, stdin=GOOD_REQUEST.hex())
             self.assertEqual((result.status, result.text), (66, ""))
             self.assertEqual(result.errors, f"radius-packet: cannot read {path}: {why}\n")
+
+    def test_wrong_usage_repeats_no_argument(self):
+        secret = "n3v3r-pr1nt3d"
+        unexpected = "there is an option or argument that was not expected"
+        value = "an option has a value that it does not take"
+        excluded = "-s excludes --secret"
+        no_hex = "-f: hex is the only format"
+        empty = "no option but --secret takes an empty value behind ="
+        for arguments, fault in (
+            (["--secret", secret, "decode", "p"], unexpected),
+            ([f"--secret={secret}", "decode"], unexpected),
+            ([f"--version={secret}", "decode"], value),
+            (["decode", f"--secrt={secret}", "p"], unexpected),
+            (["decode", "--secrt", secret, "p"], unexpected),
+            (["decode", f"-x{secret}"], unexpected),
+            ([secret], "A subcommand is required"),
+            (["decode", f"--json={secret}"], value),
+            (["decode", "--json", f"--json={secret}"], value),
+            (["decode", f"--{secret}="], empty),
+            (["decode", f"--secret={secret}", "-s", "p"], excluded),
+            (["decode", "-s", "p", "--secret", secret], excluded),
+            (["decode", "--secret", secret, "--secret", secret],
+             "--secret: At Most 1 required but received 2"),
+            (["decode", "-f", secret], no_hex), (["decode", f"-f{secret}"], no_hex),
+            (["decode", "-f", f"--secret={secret}"], no_hex),
+            (["decode", "--secret", secret, "-a"], "-a: 1 required HEX missing"),
+        ):
+            with self.subTest(arguments):
+                result = run(*arguments, stdin=GOOD_REQUEST.hex())
+                self.assertEqual((result.status, result.text), (64, ""))
+                self.assertEqual(result.errors.splitlines(),
+                                 [f"radius-packet: {fault}", "radius-packet: radius-packet --help "
+                                  "and radius-packet COMMAND --help tell more"])
 
     def test_is_never_printed(self):
         secret = "n3v3r-pr1nt3d"
@@ -640,6 +707,20 @@ class Output(unittest.TestCase):
             self.assertNotRegex(output, rb"[\x00-\x09\x0b-\x1f\x7f]")
             output.decode()
 
+    def test_line_ends_of_unicode_end_no_object(self):
+        name = "a\u2028b\u2029c\u0085d"
+        result = decode("--json", stdin=packet(1, attribute(1, name.encode())).hex())
+        self.assertEqual(len(result.text.splitlines()), 1)
+        self.assertEqual(result.packets[0]["attributes"][0]["value"],
+                         "a\u2028b\u2029c\\xc2\\x85d")
+
+    def test_faults_are_said_on_standard_error_alone(self):
+        content = packet(1, attribute(5, bytes(4)), b"\1")
+        result = decode(stdin=content.hex())
+        self.assertEqual(result.text.splitlines()[1:], ["NAS-Port = 0"])
+        self.assertEqual(result.errors, "radius-packet: packet 1 of - refused: invalidAttrLength: "
+                                        "Invalid attribute: 1 length: 1\n")
+
     def test_numbers_of_known_enumerations_are_named(self):
         numbers = [attribute(code, value.to_bytes(4, "big"))
                    for code, value in ((40, 1), (40, 99), (6, 8), (101, 503), (5, 1))]
@@ -674,6 +755,8 @@ class Output(unittest.TestCase):
                           "Tunnel-Password:1 = 0xff6b6579" + "00" * 12, "Tunnel-Password:1 = 0x",
                           "Tunnel-Password:1 = 0x", "Tunnel-Password:1 = 0x",
                           "MS-MPPE-Send-Key = 0xaabb"])
+        self.assertEqual([entry["value"] for entry in self.json(*attributes)],
+                         ["key", "", "0xff6b6579" + "00" * 12, "0x", "0x", "0x", "aabb"])
         self.assertEqual(self.json(*attributes)[0]["hex"], attributes[0][2:].hex())
         self.assertEqual(self.json(*attributes)[-1]["hex"], attributes[-1][8:].hex())
 
@@ -683,10 +766,11 @@ class Output(unittest.TestCase):
         self.assertEqual(self.text(*attributes),
                          ["Attr-240 = 0x61", "Attr-26.4294967295.255 = 0x",
                           "Attr-26.311.254 = 0x62"])
+        self.assertEqual([entry["value"] for entry in self.json(*attributes)], ["61", "", "62"])
         self.assertEqual(self.json(*attributes)[1],
                          {"attrId": 26, "vendorId": 4294967295, "vendorAttrId": 255,
                           "name": "Attr-26.4294967295.255", "type": "unknown", "tag": None,
-                          "value": "0x", "hex": ""})
+                          "value": "", "hex": ""})
 
     def test_addresses_are_text(self):
         self.assertEqual(
