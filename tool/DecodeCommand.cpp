@@ -50,7 +50,10 @@ class ReportPrinter {
     if (json_) {
       writeOutput(jsonOf(report));
     } else {
-      writeOutput(isFirst_ ? textOf(report) : "\n" + textOf(report));
+      if (!isFirst_) {
+        writeOutput("\n");
+      }
+      writeOutput(textOf(report));
     }
     isFirst_ = false;
     if (!isAccepted(report)) {
