@@ -1,0 +1,132 @@
+// Feeds any packet, under any secret and every kind of Request Authenticator that its code allows,
+// to the parser. Whatever the bytes: no fault of memory, no assertion, and the packet as it was.
+
+#include <algorithm>
+#include <cstddef>
+#include <cstdint>
+#include <cstdlib>
+#include <span>
+#include <vector>
+
+#include "Verda/Trace.h"
+#include "Zonet/WireReader.h"
+
+#include "RadiusPacketParser/RadiusPacketConstants.h"
+#include "RadiusPacketParser/RadiusPktCommon.h"
+#include "RadiusPacketParser/RadiusPktParser.h"
+
+namespace {
+
+using namespace RadiusPacketParser;
+using namespace RadiusPktParserBase;
+using Verda::U32;
+using Verda::U8;
+
+/// Takes every record, so that all of them are formatted, and drops it.
+class DroppingSink final : public Verda::TraceSink {
+ public:
+  void record(const Verda::TraceRecord& /*record*/) override {}
+};
+
+/// Keeps what the hook hands over, as an agent would.
+class KeepingParser final : public RadiusPktParser {
+ public:
+  using RadiusPktParser::RadiusPktParser;
+  void doProcessAttribute(const Attribute& /*attr*/, const AttrValue& attrValue,
+                          AttrInfo /*attrInfo*/,
+                          const Verda::Ptr<PktInfoParser>& /*sink*/) override {
+    kept_ = attrValue;
+  }
+
+ private:
+  AttrValue kept_;
+};
+
+constexpr U32 types = 11;       // the ten data types, and attributes that the dictionary lacks
+constexpr U32 encryptions = 4;  // none, the two methods, and one that is not applied
+
+template <typename Node>
+void describe(Node& node, U32 choice) {
+  node.attributeTypeIs(static_cast<RadiusAttributeType::RadiusAttributeTypeEnum>(choice % types));
+  choice /= types;
+  node.attributeEncryptionTypeIs(static_cast<U8>(choice % encryptions));
+  choice /= encryptions;
+  node.hasTagIs(choice % 2 == 0);
+  node.concatIs(choice / 2 % 2 == 0);
+}
+
+/// Every data type with every flag, as standard and as vendor attributes.
+Verda::Ptr<const RadiusDict> everyKindOfAttribute() {
+  const Verda::Ptr<RadiusDict> dictionary = radiusDictFactory();
+  for (U32 code = 0; code <= 255; ++code) {
+    if (code % types != types - 1) {
+      describe(*dictionary->radiusAttributeIs(static_cast<U8>(code)), code);
+      for (const U32 vendor : {9U, 311U}) {
+        describe(*dictionary->vendorAttributeIs(vendor)->vendorNodeDictIs(static_cast<U8>(code)),
+                 code + vendor);
+      }
+    }
+  }
+  return dictionary;
+}
+
+Verda::Bytes requestAuthenticator(U8 code, U8 choice) {
+  static constexpr std::size_t lengths[] = {16, 16, 16, 16, 1, 15, 17, 255};
+  if (isRequest(code)) {
+    return {};
+  }
+  const std::vector<U8> bytes(lengths[choice % std::size(lengths)], choice);
+  return {std::span<const U8>(bytes)};
+}
+
+/// Gives a packet the length of its buffer and a good authenticator, so that the walk is reached.
+void sign(Zonet::Pkt& pkt, const Verda::String& secret, const Verda::Bytes& reqAuth) {
+  if (pkt.bytes() < PacketConstants::headerLength() || pkt.bytes() > PacketConstants::maxLength()) {
+    return;
+  }
+  pkt.data()[PacketConstants::lengthOffset()] = static_cast<U8>(pkt.bytes() >> 8U);
+  pkt.data()[PacketConstants::lengthOffset() + 1] = static_cast<U8>(pkt.bytes());
+  const Verda::Ptr<RadiusHdr> hdr = radiusHdrFactory();
+  hdr->codeIs(pkt.data()[PacketConstants::codeOffset()]);
+  hdr->lengthIs(static_cast<Verda::U16>(pkt.bytes()));
+  const ErrorMsg result = reqAuth.empty()
+                              ? setRequestAuthenticator(secret, pkt.data(), hdr)
+                              : setResponseAuthenticator(secret, reqAuth, pkt.data(), hdr);
+  if (result != ErrorMsg::success) {
+    std::abort();
+  }
+}
+
+}  // namespace
+
+/// A byte of choices, the secret's length, the secret, the packet.
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+  static DroppingSink droppingSink;
+  static const auto parser = Verda::Ptr<RadiusPktParser>(new KeepingParser(everyKindOfAttribute()));
+  Verda::traceSinkIs(&droppingSink);
+  Verda::traceThresholdIs(Verda::traceEntries);
+
+  Zonet::WireReader reader(std::span<const U8>(data, size));
+  U8 choices = 0;
+  U8 secretLength = 0;
+  std::span<const U8> secretBytes;
+  std::span<const U8> packet;
+  if (!reader.read(choices) || !reader.read(secretLength) ||
+      !reader.read(std::min<std::size_t>(secretLength, reader.remaining()), secretBytes) ||
+      !reader.read(reader.remaining(), packet)) {
+    return 0;
+  }
+  const Verda::String secret(secretBytes);
+  const Verda::Bytes reqAuth =
+      requestAuthenticator(packet.empty() ? U8{0} : packet[0], static_cast<U8>(choices >> 1U));
+  const Verda::Ptr<Zonet::Pkt> pkt = Zonet::pktFactory(packet);
+  if (choices % 2 == 1) {
+    sign(*pkt, secret, reqAuth);
+  }
+  const std::vector<U8> before(pkt->span().begin(), pkt->span().end());
+  parser->doProcessPkt(pkt, secret, reqAuth, pktInfoParserFactory());
+  if (!std::ranges::equal(before, pkt->span())) {
+    std::abort();
+  }
+  return 0;
+}
