@@ -44,16 +44,16 @@ std::string formatFault(const std::string& format) {
 /// Prints reports one behind the other, and says on standard error which packets are refused.
 class ReportPrinter {
  public:
-  explicit ReportPrinter(bool json) : json_(json) {}
+  ReportPrinter(bool json, const OutputOptions& options) : json_(json), options_(options) {}
 
   void print(const PacketReport& report) {
     if (json_) {
-      writeOutput(jsonOf(report));
+      writeOutput(jsonOf(report, options_));
     } else {
       if (!isFirst_) {
         writeOutput("\n");
       }
-      writeOutput(textOf(report));
+      writeOutput(textOf(report, options_));
     }
     isFirst_ = false;
     if (!isAccepted(report)) {
@@ -66,6 +66,7 @@ class ReportPrinter {
 
  private:
   bool json_;
+  OutputOptions options_;
   bool isFirst_ = true;
   ExitCode exitCode_ = ExitCode::success;
 };
@@ -88,6 +89,8 @@ DecodeCommand::DecodeCommand(CLI::App& program)
       ->type_name("FORMAT")
       ->check(formatFault, "{hex}");
   app().add_flag("--json", json_, "Print one JSON object per packet and line");
+  app().add_flag("--status-server", outputOptions_.statusServer,
+                 "Add the verdict of the Status-Server rules on packets of code 12");
   app().add_option("FILE", files_, "Files to read")->type_name("");
   app().footer(footer);
 }
@@ -99,7 +102,7 @@ ExitCode DecodeCommand::run() {
   const auto dictionary = loadDictionary(dictionaryPath_);
   const std::vector<PacketSource> sources = readPackets(files_);
   const PacketDecoder decoder(dictionary, secret, authenticator);
-  ReportPrinter printer(json_);
+  ReportPrinter printer(json_, outputOptions_);
   for (const PacketSource& source : sources) {
     for (std::size_t at = 0; at < source.packets.size(); ++at) {
       PacketReport report = decoder.decode(source.packets[at]);

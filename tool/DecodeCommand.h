@@ -9,6 +9,7 @@
 
 #include "tool/Command.h"
 #include "tool/DictionaryLoading.h"
+#include "tool/OutputOptions.h"
 #include "tool/SecretOption.h"
 
 namespace RadiusPacketTool {
@@ -30,6 +31,7 @@ class DecodeCommand final : public Command {
   std::string dictionaryPath_ = defaultDictionaryPath();
   std::string format_;
   bool json_ = false;
+  OutputOptions outputOptions_;
   std::vector<std::string> files_;
 };
 

@@ -52,7 +52,13 @@ Json codeNameJson(const PacketReport& report) {
   return std::string(stringValue(code).view());
 }
 
-Json packetJson(const PacketReport& report) {
+/// The name of an enumerator that may be missing.
+template <typename Enum>
+Json nameJson(const std::optional<Enum>& value) {
+  return value.has_value() ? Json(std::string(stringValue(*value).view())) : Json(nullptr);
+}
+
+Json packetJson(const PacketReport& report, const OutputOptions& options) {
   Json packet;
   packet["source"] = Verda::escaped(report.source);
   packet["index"] = report.index;
@@ -62,11 +68,13 @@ Json packetJson(const PacketReport& report) {
   packet["length"] = jsonOrNull(report.length);
   packet["authenticator"] =
       report.authenticator.has_value() ? Json(hexText(*report.authenticator)) : Json(nullptr);
-  packet["error"] = report.error.has_value() ? Json(std::string(stringValue(*report.error).view()))
-                                             : Json(nullptr);
+  packet["error"] = nameJson(report.error);
   packet["reason"] =
       report.reason.has_value() ? Json(Verda::escaped(*report.reason)) : Json(nullptr);
   packet["messageAuthenticator"] = report.messageAuthenticatorPresent;
+  if (options.statusServer) {
+    packet["statusServer"] = nameJson(report.statusServer);
+  }
   Json& attributes = packet["attributes"] = Json::array();
   for (const ReportedAttribute& attribute : report.attributes) {
     attributes.push_back(attributeJson(attribute));
@@ -91,8 +99,8 @@ void escapeLineSeparators(std::string& json) {
 
 }  // namespace
 
-std::string jsonOf(const PacketReport& report) {
-  std::string json = packetJson(report).dump();
+std::string jsonOf(const PacketReport& report, const OutputOptions& options) {
+  std::string json = packetJson(report, options).dump();
   escapeLineSeparators(json);
   return json + '\n';
 }

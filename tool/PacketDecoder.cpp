@@ -7,6 +7,7 @@
 
 #include "RadiusPacketParser/RadiusPacketConstants.h"
 #include "RadiusPacketParser/RadiusPktCommon.h"
+#include "RadiusPacketParser/RadiusPktParserTest.h"
 #include "tool/AttributeName.h"
 #include "tool/FaultTrace.h"
 #include "tool/ValueText.h"
@@ -27,7 +28,8 @@ using RadiusPktParserBase::ErrorMsg;
 using RadiusPktParserBase::isRequest;
 using RadiusPktParserBase::PktInfoParser;
 using RadiusPktParserBase::RadiusHdr;
-using RadiusPktParserBase::RadiusPktParser;
+using RadiusPktParserTest::StatusServerPktInfoParser;
+using RadiusPktParserTest::StatusServerPktParser;
 using Verda::Bytes;
 using Verda::Ptr;
 using Verda::U16;
@@ -39,7 +41,7 @@ using ByteView = std::span<const U8>;
 
 /// The sink of one packet: keeps what the hook receives. Its cursor goes through the same
 /// attributes as the hook, for the bytes that the hook's values do not carry.
-class RecordingSink : public PktInfoParser {
+class RecordingSink : public StatusServerPktInfoParser {
   TYL_ENTITY(RecordingSink)
 
  public:
@@ -72,15 +74,16 @@ class RecordingSink : public PktInfoParser {
 
 TYL_ENTITY_TYPE(RecordingSink)
 
-/// Hands every attribute on to the sink.
-class RecordingParser : public RadiusPktParser {
+/// Has every attribute judged by the Status-Server rules and hands it on to the sink.
+class RecordingParser : public StatusServerPktParser {
   TYL_ENTITY(RecordingParser)
 
  public:
-  using RadiusPktParser::RadiusPktParser;
+  using StatusServerPktParser::StatusServerPktParser;
 
   void doProcessAttribute(const Attribute& attr, const AttrValue& attrValue, AttrInfo attrInfo,
                           const Ptr<PktInfoParser>& pktInfoParser) override {
+    StatusServerPktParser::doProcessAttribute(attr, attrValue, attrInfo, pktInfoParser);
     Verda::staticPtrCast<RecordingSink>(pktInfoParser)
         ->take(attr, attrValue, attrInfo, *dictionary());
   }
@@ -177,6 +180,9 @@ void PacketDecoder::walk(const Ptr<Zonet::Pkt>& pkt, const RadiusHdr& header, Fa
   report.authenticatorCheck = checkedAuthenticator(header.code(), error);
   report.messageAuthenticatorCheck =
       checkedMessageAuthenticator(header.code(), error, sink->msgAuthPresent());
+  if (header.code() == RadiusCode::STATUS_SERVER) {
+    report.statusServer = sink->errorMsg();
+  }
   report.attributes = sink->reportedDel();
 }
 

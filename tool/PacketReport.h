@@ -8,6 +8,7 @@
 
 #include "Verda/Types.h"
 
+#include "RadiusPacketParser/RadiusPktParserTest.h"
 #include "RadiusPacketParser/RadiusPktTypes.h"
 #include "tool/ExitCode.h"
 
@@ -77,6 +78,9 @@ struct PacketReport {
   Check authenticatorCheck = Check::absent;
   Check messageAuthenticatorCheck = Check::absent;
   bool messageAuthenticatorPresent = false;  ///< as the library's sink says
+
+  /// The verdict on the attributes below, for a Status-Server packet whose header is in order.
+  std::optional<RadiusPktParserTest::StatusServerErrorMsg> statusServer;
 
   std::vector<ReportedAttribute> attributes;
 };

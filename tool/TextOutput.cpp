@@ -82,8 +82,11 @@ std::string attributeLine(const ReportedAttribute& attribute) {
 
 }  // namespace
 
-std::string textOf(const PacketReport& report) {
+std::string textOf(const PacketReport& report, const OutputOptions& options) {
   std::string text = headerLine(report);
+  if (options.statusServer && report.statusServer.has_value()) {
+    text += fmt::format("Status-Server: {}\n", stringValue(*report.statusServer).view());
+  }
   for (const ReportedAttribute& attribute : report.attributes) {
     text += attributeLine(attribute);
   }

@@ -2,12 +2,14 @@
 
 #include <string>
 
+#include "tool/OutputOptions.h"
 #include "tool/PacketReport.h"
 
 namespace RadiusPacketTool {
 
-/// A packet for people: a header line, then one `Name = value` line per attribute. Whatever the
-/// packet holds, nothing in it can drive a terminal.
-std::string textOf(const PacketReport& report);
+/// A packet for people: a header line, the verdict on a Status-Server packet where it is asked for,
+/// then one `Name = value` line per attribute. Whatever the packet holds, nothing in it can drive a
+/// terminal.
+std::string textOf(const PacketReport& report, const OutputOptions& options = {});
 
 }  // namespace RadiusPacketTool

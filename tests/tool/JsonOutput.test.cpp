@@ -12,6 +12,7 @@ namespace {
 
 using RadiusPktParserBase::ErrorMsg;
 using RadiusPktParserBase::vendorAttribute;
+using RadiusPktParserTest::StatusServerErrorMsg;
 
 TEST(JsonOutput, WritesAGoodPacketOnOneLine) {
   PacketReport report = sampleReport();
@@ -21,6 +22,24 @@ TEST(JsonOutput, WritesAGoodPacketOnOneLine) {
             R"("length":20,"authenticator":"000102030405060708090a0b0c0d0e0f","error":"success",)"
             R"("reason":null,"messageAuthenticator":true,"attributes":[]})"
             "\n");
+}
+
+TEST(JsonOutput, WritesTheStatusServerVerdictWhereItIsAskedFor) {
+  PacketReport report = sampleReport();
+  report.statusServer = StatusServerErrorMsg::msgAuthNotPresent;
+  EXPECT_EQ(jsonOf(report, {.statusServer = true}),
+            R"({"source":"file.hex","index":2,"code":2,"codeName":"ACCESS_ACCEPT","id":7,)"
+            R"("length":20,"authenticator":"000102030405060708090a0b0c0d0e0f","error":"success",)"
+            R"("reason":null,"messageAuthenticator":false,"statusServer":"msgAuthNotPresent",)"
+            R"("attributes":[]})"
+            "\n");
+  const auto notAsked = nlohmann::json::parse(jsonOf(report, {.statusServer = false}));
+  EXPECT_FALSE(notAsked.contains("statusServer"));
+}
+
+TEST(JsonOutput, WritesNullForAStatusServerVerdictThatIsNotThere) {
+  const auto json = nlohmann::json::parse(jsonOf(sampleReport(), {.statusServer = true}));
+  EXPECT_TRUE(json.at("statusServer").is_null());
 }
 
 TEST(JsonOutput, WritesNullForWhatAShortPacketLacks) {

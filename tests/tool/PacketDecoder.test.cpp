@@ -16,6 +16,7 @@ namespace RadiusPacketTool {
 namespace {
 
 using RadiusPktParserBase::ErrorMsg;
+using RadiusPktParserTest::StatusServerErrorMsg;
 using TestSupport::attributeBytes;
 using TestSupport::ByteVector;
 using TestSupport::DictionaryMaker;
@@ -304,6 +305,61 @@ TEST(PacketReport, ExitCodeFollowsTheError) {
                                   : ExitCode::refused;
     EXPECT_EQ(exitCodeOf(report), expected);
   }
+}
+
+// ---- The Status-Server verdict ----
+
+struct VerdictRow {
+  const char* name;
+  ByteVector packet;
+  ErrorMsg error;
+  std::optional<StatusServerErrorMsg> verdict;
+};
+
+TEST(PacketDecoder, GivesTheLibrarysVerdictOnStatusServerPacketsAlone) {
+  const auto request = [] { return PacketMaker(statusServer); };
+  const std::array rows{
+      VerdictRow{"no attributes", request().make(), ErrorMsg::success,
+                 StatusServerErrorMsg::success},
+      VerdictRow{"signed", request().add(32, {'n'}).addMessageAuthenticator().make(),
+                 ErrorMsg::success, StatusServerErrorMsg::success},
+      VerdictRow{"unsigned", request().add(32, {'n'}).make(), ErrorMsg::success,
+                 StatusServerErrorMsg::msgAuthNotPresent},
+      VerdictRow{"forbidden", request().add(1, {'a'}).addMessageAuthenticator().make(),
+                 ErrorMsg::success, StatusServerErrorMsg::invalidAttributePresent},
+      VerdictRow{"refused behind a forbidden one", request().add(1, {'a'}).addRaw({1}).make(),
+                 ErrorMsg::invalidAttrLength, StatusServerErrorMsg::invalidAttributePresent},
+      VerdictRow{"too short for a header",
+                 {statusServer, 7, 0, 20},
+                 ErrorMsg::invalidPktLength,
+                 std::nullopt},
+      VerdictRow{"another code", PacketMaker(accessRequest).add(1, {'a'}).make(), ErrorMsg::success,
+                 std::nullopt},
+      VerdictRow{"a response", PacketMaker(accessAccept).add(1, {'a'}).make(), ErrorMsg::success,
+                 std::nullopt},
+  };
+  for (const VerdictRow& row : rows) {
+    SCOPED_TRACE(row.name);
+    const PacketReport report = decoded(row.packet);
+    EXPECT_EQ(report.error, row.error);
+    EXPECT_EQ(report.statusServer, row.verdict);
+  }
+}
+
+TEST(PacketDecoder, JudgesEveryPacketAnew) {
+  const Secret secret(testSecret);
+  const PacketDecoder decoder(shippedDictionary(), secret, {});
+  EXPECT_EQ(decoder.decode(PacketMaker(statusServer).add(1, {'a'}).make()).statusServer,
+            StatusServerErrorMsg::invalidAttributePresent);
+  EXPECT_EQ(decoder.decode(PacketMaker(statusServer).make()).statusServer,
+            StatusServerErrorMsg::success);
+}
+
+TEST(PacketDecoder, AVerdictIsNoRefusal) {
+  const PacketReport report = decoded(PacketMaker(statusServer).add(1, {'a'}).make());
+  EXPECT_EQ(report.statusServer, StatusServerErrorMsg::invalidAttributePresent);
+  EXPECT_TRUE(isAccepted(report));
+  EXPECT_EQ(exitCodeOf(report), ExitCode::success);
 }
 
 }  // namespace

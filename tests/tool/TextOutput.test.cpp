@@ -8,6 +8,7 @@ namespace RadiusPacketTool {
 namespace {
 
 using RadiusPktParserBase::ErrorMsg;
+using RadiusPktParserTest::StatusServerErrorMsg;
 
 constexpr const char* sampleHeader =
     "ACCESS_ACCEPT, id 7, length 20, authenticator 000102030405060708090a0b0c0d0e0f (verified), "
@@ -74,6 +75,21 @@ TEST(TextOutput, LeavesTheFaultOfARefusedPacketToStandardError) {
   report.reason = "no Request Authenticator";
   report.attributes.clear();
   EXPECT_EQ(textOf(report), sampleHeader);
+}
+
+TEST(TextOutput, PrintsTheStatusServerVerdictBehindTheHeaderLine) {
+  PacketReport report = sampleReport();
+  report.statusServer = StatusServerErrorMsg::invalidAttributePresent;
+  report.attributes = {sampleAttribute("NAS-Port", ShownNumber{3, ""})};
+  EXPECT_EQ(textOf(report, {.statusServer = true}),
+            std::string(sampleHeader) + "Status-Server: invalidAttributePresent\nNAS-Port = 3\n");
+}
+
+TEST(TextOutput, PrintsNoStatusServerVerdictThatIsNotThereOrNotAskedFor) {
+  PacketReport report = sampleReport();
+  EXPECT_EQ(textOf(report, {.statusServer = true}), sampleHeader);
+  report.statusServer = StatusServerErrorMsg::success;
+  EXPECT_EQ(textOf(report, {.statusServer = false}), sampleHeader);
 }
 
 TEST(TextOutput, NamesCannotDriveATerminal) {

@@ -85,9 +85,9 @@ def packet(code, *attributes, request_authenticator=REQUEST_AUTHENTICATOR, secre
     return head + digest + content
 
 
-def signed_request(*attributes):
-    """An Access-Request that ends with a Message-Authenticator."""
-    unsigned = packet(1, *attributes, attribute(80, bytes(16)))
+def signed_request(*attributes, code=1):
+    """A request, an Access-Request unless said, that ends with a Message-Authenticator."""
+    unsigned = packet(code, *attributes, attribute(80, bytes(16)))
     return unsigned[:-16] + hmac.digest(SECRET.encode(), unsigned, "md5")
 
 
@@ -830,6 +830,45 @@ class Output(unittest.TestCase):
 
 
 # ---- Exit status ----
+
+
+class StatusServer(unittest.TestCase):
+    ROWS = (
+        ("good", signed_request(attribute(32, b"nas"), code=12), 0, "success"),
+        ("unsigned", packet(12, attribute(32, b"nas")), 0, "msgAuthNotPresent"),
+        ("forbidden", signed_request(attribute(1, b"alice"), code=12), 0,
+         "invalidAttributePresent"),
+        ("without attributes", packet(12), 0, "success"),
+        ("refused", packet(12, attribute(79, b"eap")), 1, "invalidAttributePresent"),
+        ("header refused", packet(12)[:19], 2, None),
+        ("another code", GOOD_REQUEST, 0, None),
+    )
+
+    def test_verdict_is_a_line_behind_the_header_line(self):
+        for name, content, _, verdict in self.ROWS:
+            with self.subTest(name):
+                header, *attributes = decode(stdin=content.hex()).text.splitlines()
+                line = [f"Status-Server: {verdict}"] if verdict else []
+                result = decode("--status-server", stdin=content.hex())
+                self.assertEqual(result.text.splitlines(), [header, *line, *attributes])
+
+    def test_verdict_is_a_key_of_every_object(self):
+        for name, content, _, verdict in self.ROWS:
+            with self.subTest(name):
+                (report,) = decode("--json", "--status-server", stdin=content.hex()).packets
+                (plain,) = decode("--json", stdin=content.hex()).packets
+                self.assertEqual(list(report),
+                                 [*PACKET_KEYS[:-1], "statusServer", PACKET_KEYS[-1]])
+                self.assertEqual(report.pop("statusServer"), verdict)
+                self.assertEqual(report, plain)
+
+    def test_verdict_changes_no_exit_status(self):
+        for name, content, status, _ in self.ROWS:
+            with self.subTest(name):
+                plain = decode(stdin=content.hex())
+                result = decode("--status-server", stdin=content.hex())
+                self.assertEqual((plain.status, result.status), (status, status))
+                self.assertEqual(result.errors, plain.errors)
 
 
 class ExitStatus(unittest.TestCase):
