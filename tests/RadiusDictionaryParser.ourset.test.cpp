@@ -1,16 +1,20 @@
 #include "RadiusPacketParser/RadiusDictionaryParser.h"
 
 #include <algorithm>
+#include <cctype>
 #include <filesystem>
 #include <fstream>
 #include <map>
 #include <set>
 #include <sstream>
 #include <string>
+#include <string_view>
 #include <vector>
 
+#include <fmt/format.h>
 #include <gtest/gtest.h>
 
+#include "RadiusPacketParser/RadiusPacketConstants.h"
 #include "tests/support/DictionaryTest.h"
 #include "tests/support/TestDictionary.h"
 
@@ -64,22 +68,33 @@ std::vector<Row> factsOf(const std::string& name) {
 }
 
 /// A container of other attributes has no line in a dictionary file.
-bool isCompound(const std::string& type) {
-  return std::set<std::string>{"extended", "long-extended", "tlv", "vsa"}.contains(type);
+bool isCompound(const Row& row) {
+  return std::set<std::string>{"extended", "long-extended", "tlv", "vsa"}.contains(row.at("type"));
 }
 
-/// The facts know more types than the dictionary does; the rest are bytes.
+/// The facts know more types than dictionary files do; the values of those are bytes.
 std::string typeWordOf(const std::string& type) {
-  const auto& known = RadiusAttributeType::enumerationTable().enumerators;
-  const bool isKnown =
-      std::ranges::any_of(known, [&](const auto& row) { return row.name == type; });
-  return isKnown ? type : "octets";
+  static const std::set<std::string> words = {"string", "octets",     "ipaddr",
+                                              "date",   "integer",    "ipv6addr",
+                                              "ifid",   "ipv6prefix", "integer64"};
+  static const std::set<std::string> bytes = {"byte", "short", "ipv4prefix"};
+  EXPECT_TRUE(words.contains(type) || bytes.contains(type) || type.starts_with("octets[")) << type;
+  return words.contains(type) ? type : "octets";
 }
 
-bool isOfOurSet(const Row& standard) {
-  return std::set<std::string>{"2865", "2866", "2867", "2868", "2869", "3162"}.contains(
-             standard.at("rfc")) ||
-         standard.at("name") == "Message-Authenticator" || standard.at("name") == "Error-Cause";
+/// The rows of a table of facts that have a line in a dictionary file.
+std::vector<Row> attributeFactsOf(const std::string& name) {
+  std::vector<Row> rows = factsOf(name);
+  std::erase_if(rows, isCompound);
+  return rows;
+}
+
+Verda::U8 codeOf(const Row& row) {
+  return static_cast<Verda::U8>(std::stoi(row.at("code")));
+}
+
+Verda::U32 vendorIdOf(const Row& row) {
+  return static_cast<Verda::U32>(std::stoul(row.at("vendor_id")));
 }
 
 /// The row as the dictionary's entry is described.
@@ -96,9 +111,38 @@ std::string describe(const Row& row) {
   return line;
 }
 
+/// What the dictionary says of an enumerator: `CAPTIVE_PORTAL` is "QUORIN-Captive-Portal".
+std::string quorinNameOf(std::string_view enumerator) {
+  std::string name = "QUORIN-";
+  for (const char letter : enumerator) {
+    const bool beginsWord = name.back() == '-';
+    name += letter == '_' ? '-' : static_cast<char>(beginsWord ? letter : std::tolower(letter));
+  }
+  return name;
+}
+
+Lines quorinLines() {
+  const std::string vendor = std::to_string(RadiusVendorId::QUORIN);
+  Lines lines = {"vendor " + vendor + " QUORIN"};
+  for (const Tyl::Enumerator& one : QuorinVendorSpec::enumerationTable().enumerators) {
+    lines.push_back(fmt::format("{}.{} {} octets", vendor, one.number, quorinNameOf(one.name)));
+  }
+  return lines;
+}
+
+std::string lowerCase(std::string text) {
+  std::ranges::transform(text, text.begin(), [](unsigned char c) { return std::tolower(c); });
+  return text;
+}
+
 Lines sortedLines(Lines lines) {
   std::ranges::sort(lines);
   return lines;
+}
+
+/// Whether a described line is a standard attribute's: its first word is a code alone.
+bool isStandard(const std::string& line) {
+  return line.find_first_not_of("0123456789") == line.find(' ');
 }
 
 /// The dictionary set that we ship.
@@ -115,12 +159,10 @@ TEST_F(OurSet, LoadsWithoutASingleTraceLine) {
 
 TEST_F(OurSet, HoldsExactlyTheStandardAttributesOfTheFacts) {
   Lines facts;
-  for (const Row& row : factsOf("standard_attributes.csv")) {
-    if (isOfOurSet(row) && !isCompound(row.at("type"))) {
-      facts.push_back(describe(row));
-    }
+  for (const Row& row : attributeFactsOf("standard_attributes.csv")) {
+    facts.push_back(describe(row));
   }
-  EXPECT_EQ(facts.size(), 89U);
+  EXPECT_EQ(facts.size(), 184U);
   Lines entries;
   for (const auto& member : loaded->radiusAttribute()) {
     entries.push_back(describe(*member.value));
@@ -128,50 +170,63 @@ TEST_F(OurSet, HoldsExactlyTheStandardAttributesOfTheFacts) {
   EXPECT_EQ(sortedLines(entries), sortedLines(facts));
 }
 
-TEST_F(OurSet, HoldsExactlyTheMicrosoftAttributesOfTheFacts) {
-  Lines facts = {"vendor 311 Microsoft"};
-  for (const Row& row : factsOf("vendor_attributes.csv")) {
-    if (row.at("vendor_id") == "311" && !isCompound(row.at("type"))) {
-      EXPECT_EQ(row.at("vendor"), "Microsoft");
-      facts.push_back("311." + describe(row));
-    }
+TEST_F(OurSet, HoldsExactlyTheVendorsOfTheFactsAndQuorin) {
+  Lines facts = quorinLines();
+  EXPECT_EQ(facts.size(), 1U + 18U);
+  std::set<std::string> vendors;
+  for (const Row& row : attributeFactsOf("vendor_attributes.csv")) {
+    vendors.insert("vendor " + row.at("vendor_id") + " " + row.at("vendor"));
+    facts.push_back(row.at("vendor_id") + "." + describe(row));
   }
-  EXPECT_EQ(facts.size(), 59U);
-  Lines entries;
-  for (const std::string& line : describe(*loaded)) {
-    if (line.find('.') < line.find(' ') || line.starts_with("vendor ")) {
-      entries.push_back(line);
-    }
-  }
+  EXPECT_EQ(vendors.size(), 10U);
+  facts.insert(facts.end(), vendors.begin(), vendors.end());
+  EXPECT_EQ(facts.size(), 1U + 18U + 10U + 439U);
+  Lines entries = describe(*loaded);
+  EXPECT_EQ(std::erase_if(entries, isStandard), loaded->radiusAttribute().size());
   EXPECT_EQ(sortedLines(entries), sortedLines(facts));
 }
 
 TEST_F(OurSet, KeepsEachStandardAttributeInTheFileOfItsRfc) {
   std::size_t compared = 0;
-  for (const Row& row : factsOf("standard_attributes.csv")) {
-    if (isOfOurSet(row) && !isCompound(row.at("type"))) {
-      SCOPED_TRACE(row.at("name"));
-      const Ptr<AttributeNode> entry =
-          loaded->radiusAttribute(static_cast<Verda::U8>(std::stoi(row.at("code"))));
-      ASSERT_TRUE(entry);
-      EXPECT_EQ(entry->path(), dictionaryDir + "dictionary.rfc" + row.at("rfc"));
-      ++compared;
-    }
+  for (const Row& row : attributeFactsOf("standard_attributes.csv")) {
+    SCOPED_TRACE(row.at("name"));
+    const Ptr<AttributeNode> entry = loaded->radiusAttribute(codeOf(row));
+    ASSERT_TRUE(entry);
+    EXPECT_EQ(entry->path(), dictionaryDir + "dictionary.rfc" + row.at("rfc"));
+    ++compared;
   }
   EXPECT_EQ(compared, loaded->radiusAttribute().size());
-  EXPECT_EQ(loaded->vendorAttribute(311)->path(), dictionaryDir + "dictionary.microsoft");
+}
+
+TEST_F(OurSet, KeepsEachVendorInTheFileOfItsName) {
+  std::size_t compared = 0;
+  for (const auto& member : loaded->vendorAttribute()) {
+    const std::string name(member.value->vendorName().view());
+    EXPECT_EQ(member.value->path(), dictionaryDir + "dictionary." + lowerCase(name));
+    ++compared;
+  }
+  EXPECT_EQ(compared, 11U);
 }
 
 TEST_F(OurSet, LeavesTheContainersOut) {
   std::size_t containers = 0;
   for (const Row& row : factsOf("standard_attributes.csv")) {
-    if (isCompound(row.at("type"))) {
-      EXPECT_FALSE(loaded->radiusAttributeHas(static_cast<Verda::U8>(std::stoi(row.at("code")))))
-          << row.at("name");
+    if (isCompound(row)) {
+      EXPECT_FALSE(loaded->radiusAttributeHas(codeOf(row))) << row.at("name");
       ++containers;
     }
   }
   EXPECT_EQ(containers, 8U);
+  std::size_t vendorContainers = 0;
+  for (const Row& row : factsOf("vendor_attributes.csv")) {
+    if (isCompound(row)) {
+      const Ptr<VendorIdDict> vendor = loaded->vendorAttribute(vendorIdOf(row));
+      ASSERT_TRUE(vendor) << row.at("vendor");
+      EXPECT_FALSE(vendor->vendorNodeDictHas(codeOf(row))) << row.at("name");
+      ++vendorContainers;
+    }
+  }
+  EXPECT_EQ(vendorContainers, 4U);
 }
 
 TEST_F(OurSet, DefinesNothingTwice) {
@@ -190,8 +245,11 @@ TEST_F(OurSet, DefinesNothingTwice) {
       }
     }
   }
-  EXPECT_EQ(attributeLines, loaded->radiusAttribute().size() +
-                                loaded->vendorAttribute(311)->vendorNodeDict().size());
+  std::size_t entries = loaded->radiusAttribute().size();
+  for (const auto& member : loaded->vendorAttribute()) {
+    entries += member.value->vendorNodeDict().size();
+  }
+  EXPECT_EQ(attributeLines, entries);
 }
 
 TEST_F(OurSet, IncludesEveryFileOfItsFolderOnce) {
