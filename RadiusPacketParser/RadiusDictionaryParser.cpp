@@ -33,7 +33,9 @@ namespace {
 
 Verda::TraceFacility dictionaryTrace("RadiusPacketParser::RadiusDictionaryParser");
 
-constexpr std::string_view whiteSpace = " \t\n\v\f\r";
+bool isWhiteSpace(char c) {
+  return c == ' ' || (c >= '\t' && c <= '\r');
+}
 
 bool isDigit(char c) {
   return c >= '0' && c <= '9';
@@ -47,14 +49,13 @@ bool isAllDigits(std::string_view text) {
 class Tokens {
  public:
   explicit Tokens(std::string_view line = {}) {
-    for (std::size_t at = line.find_first_not_of(whiteSpace); at != std::string_view::npos;
-         at = line.find_first_not_of(whiteSpace, at)) {
-      const std::size_t end = std::min(line.find_first_of(whiteSpace, at), line.size());
+    for (auto rest = wordOnwards(line.begin(), line.end()); rest != line.end();) {
+      const auto end = std::find_if(rest, line.end(), isWhiteSpace);
       if (count_ < kept_.size()) {
-        kept_[count_] = line.substr(at, end - at);
+        kept_[count_] = std::string_view(rest, end);
       }
       ++count_;
-      at = end;
+      rest = wordOnwards(end, line.end());
     }
   }
 
@@ -66,6 +67,11 @@ class Tokens {
   std::string_view operator[](std::size_t index) const { return kept_[index]; }
 
  private:
+  static std::string_view::iterator wordOnwards(std::string_view::iterator from,
+                                                std::string_view::iterator end) {
+    return std::find_if_not(from, end, isWhiteSpace);
+  }
+
   std::array<std::string_view, 5> kept_;
   std::size_t count_ = 0;
 };

@@ -164,24 +164,6 @@ void setMissing(ErrorMsg errorMsg, AttrInfo& info) {
 
 }  // namespace
 
-AttributeCursor::Step AttributeCursor::next() {
-  remaining_ = rest_.size();
-  if (rest_.empty()) {
-    return Step::end;
-  }
-  type_ = rest_[AttributeConstants::typeOffset()];
-  if (rest_.size() < AttributeConstants::valueOffset()) {
-    return Step::loneByte;
-  }
-  length_ = rest_[AttributeConstants::lengthOffset()];
-  if (length_ < AttributeConstants::valueOffset() || length_ > rest_.size()) {
-    return Step::badLength;
-  }
-  current_ = rest_.first(length_);
-  rest_ = rest_.subspan(length_);
-  return Step::attribute;
-}
-
 bool isRequest(U8 code) {
   switch (code) {
     case RadiusCode::ACCESS_REQUEST:
@@ -438,15 +420,17 @@ ErrorMsg encryptHelper(U8* data, U32 len, const String& secret, const Bytes& aut
       md5Of({sharedSecret, authenticator.span().first(PacketConstants::authLength()), salt},
             keystream.data());
   while (result == ErrorMsg::success && !rest.empty()) {
-    const std::size_t count =
-        std::min<std::size_t>(rest.size(), AttributeConstants::passwdWordSize());
+    const std::span<U8> block =
+        rest.first(std::min<std::size_t>(rest.size(), AttributeConstants::passwdWordSize()));
     Digest hidden{};  // a short last block counts as filled up with zeros
-    for (std::size_t at = 0; at < count; ++at) {
-      const auto transformed = static_cast<U8>(rest[at] ^ keystream[at]);
-      hidden[at] = encrypt ? transformed : rest[at];
-      rest[at] = transformed;
+    if (!encrypt) {
+      std::ranges::copy(block, hidden.begin());
     }
-    rest = rest.subspan(count);
+    std::ranges::transform(block, keystream, block.begin(), std::bit_xor<U8>());
+    if (encrypt) {
+      std::ranges::copy(block, hidden.begin());
+    }
+    rest = rest.subspan(block.size());
     if (!rest.empty()) {
       result = md5Of({sharedSecret, hidden}, keystream.data());
     }

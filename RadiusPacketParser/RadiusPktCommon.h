@@ -10,6 +10,7 @@
 #include "Verda/Types.h"
 #include "Zonet/Pkt.h"
 
+#include "RadiusPacketParser/RadiusPacketConstants.h"
 #include "RadiusPacketParser/RadiusPktTypes.h"
 
 /// What parser and builder share: the attribute cursor, dictionary lookup, authenticators and
@@ -37,7 +38,24 @@ class VERDA_EXPORT AttributeCursor {
   explicit AttributeCursor(std::span<const Verda::U8> attributes) : rest_(attributes) {}
 
   /// Goes to the next attribute. After anything but `Step::attribute` the cursor stays where it is.
-  Step next();
+  Step next() {
+    using RadiusPacketParser::AttributeConstants;
+    remaining_ = rest_.size();
+    if (rest_.empty()) {
+      return Step::end;
+    }
+    type_ = rest_[AttributeConstants::typeOffset()];
+    if (rest_.size() < AttributeConstants::valueOffset()) {
+      return Step::loneByte;
+    }
+    length_ = rest_[AttributeConstants::lengthOffset()];
+    if (length_ < AttributeConstants::valueOffset() || length_ > rest_.size()) {
+      return Step::badLength;
+    }
+    current_ = rest_.first(length_);
+    rest_ = rest_.subspan(length_);
+    return Step::attribute;
+  }
 
   /// The Type byte; valid also after `loneByte` and `badLength`.
   Verda::U8 type() const { return type_; }

@@ -90,9 +90,20 @@ ErrorMsg invalidValueLength(const Attribute& key, std::string_view typeName, std
   return ErrorMsg::invalidAttrLength;
 }
 
+/// Makes `value` a `Text` of these bytes. One value after another of the same kind, fragments of an
+/// EAP message say, goes into the same storage.
+template <typename Text>
+void setText(ByteView bytes, AttrValue& value) {
+  if (Text* present = std::get_if<Text>(&value)) {
+    present->assign(bytes);
+  } else {
+    value.emplace<Text>(bytes);
+  }
+}
+
 ErrorMsg decodeString(bool isTagged, ByteView bytes, AttrValue& value) {
   if (!isTagged) {
-    value.emplace<String>(bytes);
+    setText<String>(bytes, value);
     return ErrorMsg::success;
   }
   if (bytes.empty()) {
@@ -194,7 +205,7 @@ ErrorMsg decodeValue(const Attribute& key, const AttrInfo& attrInfo, ByteView by
     case RadiusAttributeType::string:
       return decodeString(attrInfo.isTagged, bytes, value);
     case RadiusAttributeType::octets:
-      value.emplace<Bytes>(bytes);
+      setText<Bytes>(bytes, value);
       return ErrorMsg::success;
     case RadiusAttributeType::ipaddr:
       return decodeIp4(key, bytes, value);
@@ -214,7 +225,7 @@ ErrorMsg decodeValue(const Attribute& key, const AttrInfo& attrInfo, ByteView by
       break;
   }
   TRACE_FAULT("Unknown attribute type, storing it as bytes");
-  value.emplace<Bytes>(bytes);
+  setText<Bytes>(bytes, value);
   return ErrorMsg::success;
 }
 
@@ -364,19 +375,28 @@ class PacketWalk {
     return ErrorMsg::success;
   }
 
-  /// Works on a copy, so that a hidden value is revealed without touching the packet.
   ErrorMsg revealAndDecode(const Unit& unit) {
+    return isHidden(unit.info) ? revealCopyAndDecode(unit) : decode(unit, nullptr, unit.bytes);
+  }
+
+  /// Works on a copy, so that a hidden value is revealed without touching the packet.
+  [[gnu::noinline]] ErrorMsg revealCopyAndDecode(const Unit& unit) {
     std::array<U8, AttributeConstants::maxLength()> scratch;
     const std::span<U8> copy = std::span<U8>(scratch).first(unit.bytes.size());
-    std::memcpy(copy.data(), unit.bytes.data(), unit.bytes.size());
-    const ZoCrypto::CleanseOnExit clean(isHidden(unit.info) ? copy : copy.first(0));
-    ErrorMsg fault =
-        detail::decryptAttribute(unit.key, copy.data(), secret_, reqAuth_, *hdr_, unit.info);
-    if (fault == ErrorMsg::success) {
-      fault =
-          decodeValue(unit.key, unit.info, copy.subspan(AttributeConstants::valueOffset()), value_);
-    }
-    return fault;
+    const ZoCrypto::CleanseOnExit clean(copy);
+    std::ranges::copy(unit.bytes, copy.begin());
+    return decode(unit, copy.data(), copy);
+  }
+
+  /// @param hidden  what is to be revealed; not touched unless the dictionary says hidden
+  /// @param bytes   the type-length-value unit, which `hidden` may be a part of
+  ErrorMsg decode(const Unit& unit, U8* hidden, ByteView bytes) {
+    const ErrorMsg fault =
+        detail::decryptAttribute(unit.key, hidden, secret_, reqAuth_, *hdr_, unit.info);
+    return fault != ErrorMsg::success
+               ? fault
+               : decodeValue(unit.key, unit.info, bytes.subspan(AttributeConstants::valueOffset()),
+                             value_);
   }
 
   RadiusPktParser& parser_;

@@ -36,7 +36,7 @@ TOP_FOLDERS = ("Platform", LIBRARY, "tool", "examples", "tests", "bench", "fuzz"
 
 # Whose headers are kept to one place: the layers that may include them.
 KEPT_APART = {
-    "openssl": ("ZoCrypto", "tests"),
+    "openssl": ("ZoCrypto", "tests", "bench"),
     "CLI": ("tool", "tests"),
     "nlohmann": ("tool", "tests"),
     "gtest": ("tests", "fuzz"),

@@ -1,7 +1,6 @@
 #pragma once
 
 #include <algorithm>
-#include <array>
 #include <cstddef>
 #include <cstring>
 #include <limits>
@@ -24,13 +23,13 @@ class ByteStore {
 
   ByteStore() = default;
   ByteStore(const void* bytes, std::size_t size) { assign(bytes, size); }
-  ByteStore(const ByteStore& other) { assign(other.data(), other.size()); }
+  ByteStore(const ByteStore& other) { copy(other); }
   ByteStore(ByteStore&& other) noexcept { take(other); }
   ~ByteStore() = default;
 
   ByteStore& operator=(const ByteStore& other) {
     if (this != &other) {
-      assign(other.data(), other.size());
+      copy(other);
     }
     return *this;
   }
@@ -41,8 +40,8 @@ class ByteStore {
     return *this;
   }
 
-  const U8* data() const { return heap_ ? heap_.get() : inline_.data(); }
-  U8* data() { return heap_ ? heap_.get() : inline_.data(); }
+  const U8* data() const { return heap_ ? heap_.get() : inline_; }
+  U8* data() { return heap_ ? heap_.get() : inline_; }
   U32 size() const { return size_; }
   std::span<const U8> span() const { return {data(), size_}; }
 
@@ -92,9 +91,20 @@ class ByteStore {
     return std::exchange(heap_, std::move(larger));
   }
 
+  /// Short contents are copied with all the room around them: a copy of fixed length is quicker
+  /// than one that first asks how long.
+  void copy(const ByteStore& other) {
+    if (other.heap_ || heap_) {
+      assign(other.data(), other.size());
+    } else {
+      std::memcpy(inline_, other.inline_, sizeof(inline_));
+      size_ = other.size_;
+    }
+  }
+
   void take(ByteStore& other) noexcept {
     heap_ = std::move(other.heap_);
-    inline_ = other.inline_;
+    std::memcpy(inline_, other.inline_, sizeof(inline_));
     size_ = other.size_;
     capacity_ = other.capacity_;
     other.size_ = 0;
@@ -105,7 +115,7 @@ class ByteStore {
   std::unique_ptr<U8[]> heap_;
   U32 size_ = 0;
   U32 capacity_ = inlineCapacity;
-  std::array<U8, inlineCapacity + 1> inline_{};
+  U8 inline_[inlineCapacity + 1] = {};
 };
 
 }  // namespace Verda

@@ -26,6 +26,9 @@ class Bytes {
   U8 operator[](U32 index) const { return data()[index]; }
   std::span<const U8> span() const { return store_.span(); }
 
+  /// Replaces the content, within the storage at hand where that has room.
+  void assign(std::span<const U8> bytes) { store_.assign(bytes.data(), bytes.size()); }
+
   /// Copies from the front into `to`, as many bytes as there are here and room there, and returns
   /// that number.
   U32 copyTo(std::span<U8> to) const {

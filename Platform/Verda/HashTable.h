@@ -60,11 +60,14 @@ class HashTable {
   HashTable() = default;
   HashTable(const HashTable&) = default;
   HashTable(HashTable&& other) noexcept
-      : slots_(std::move(other.slots_)), size_(std::exchange(other.size_, 0)) {}
+      : slots_(std::move(other.slots_)),
+        mask_(std::exchange(other.mask_, 0)),
+        size_(std::exchange(other.size_, 0)) {}
   ~HashTable() = default;
 
   HashTable& operator=(HashTable other) noexcept {
     std::swap(slots_, other.slots_);
+    std::swap(mask_, other.mask_);
     std::swap(size_, other.size_);
     return *this;
   }
@@ -120,6 +123,7 @@ class HashTable {
 
   void clear() {
     slots_.clear();
+    mask_ = 0;
     size_ = 0;
   }
 
@@ -127,11 +131,9 @@ class HashTable {
   static constexpr U32 seed = 0x52414449;
   static constexpr std::size_t firstSlots = 8;
 
-  std::size_t mask() const { return slots_.size() - 1; }
-
   template <typename Key>
   std::size_t homeOf(const Key& key) const {
-    return hashOf(key, seed) & mask();
+    return hashOf(key, seed) & mask_;
   }
 
   /// The slot that holds `key`, or the free one where it belongs. There is always a free one.
@@ -139,7 +141,7 @@ class HashTable {
   std::size_t slotOf(const Key& key) const {
     std::size_t at = homeOf(key);
     while (slots_[at].has_value() && !(KeyOf{}(*slots_[at]) == key)) {
-      at = (at + 1) & mask();
+      at = (at + 1) & mask_;
     }
     return at;
   }
@@ -147,6 +149,7 @@ class HashTable {
   void grow() {
     Slots old(slots_.empty() ? firstSlots : slots_.size() * 2);
     std::swap(old, slots_);
+    mask_ = slots_.size() - 1;
     for (std::optional<Entry>& entry : old) {
       if (entry.has_value()) {
         slots_[slotOf(KeyOf{}(*entry))] = std::move(entry);
@@ -156,9 +159,9 @@ class HashTable {
 
   /// Moves the entries behind a freed slot up, so that no probe ends too early.
   void closeHole(std::size_t hole) {
-    for (std::size_t at = (hole + 1) & mask(); slots_[at].has_value(); at = (at + 1) & mask()) {
+    for (std::size_t at = (hole + 1) & mask_; slots_[at].has_value(); at = (at + 1) & mask_) {
       const std::size_t home = homeOf(KeyOf{}(*slots_[at]));
-      const bool reachesOverHole = ((at - home) & mask()) >= ((at - hole) & mask());
+      const bool reachesOverHole = ((at - home) & mask_) >= ((at - hole) & mask_);
       if (reachesOverHole) {
         slots_[hole] = std::exchange(slots_[at], std::nullopt);
         hole = at;
@@ -167,6 +170,7 @@ class HashTable {
   }
 
   Slots slots_;
+  std::size_t mask_ = 0;  // of the bits of a hash that make a slot's number
   std::size_t size_ = 0;
 };
 

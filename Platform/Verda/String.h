@@ -41,6 +41,9 @@ class String {
   /// The same bytes as unsigned numbers; valid while the string is unchanged.
   std::span<const U8> bytes() const { return store_.span(); }
 
+  /// Replaces the content, within the storage at hand where that has room.
+  void assign(std::span<const U8> bytes) { store_.assign(bytes.data(), bytes.size()); }
+
   String& operator+=(std::string_view text) {
     store_.append(text.data(), text.size());
     return *this;

@@ -9,12 +9,6 @@
 
 namespace Zonet {
 
-IpGenAddr::IpGenAddr(std::span<const U8, ip4Length> bytes) {
-  std::ranges::copy(bytes, bytes_.begin());
-}
-
-IpGenAddr::IpGenAddr(const Ip6Addr& address) : bytes_(address.bytes()), family_(IpFamily::ip6) {}
-
 IpGenAddr::IpGenAddr(const Verda::String& text) {
   const bool hasNul = text.viewToNul().size() != text.size();
   if (!hasNul && inet_pton(AF_INET, text.cStr(), bytes_.data()) == 1) {

@@ -1,6 +1,8 @@
 #pragma once
 
 #include <array>
+#include <bit>
+#include <cstring>
 #include <span>
 
 #include "Verda/Export.h"
@@ -22,8 +24,8 @@ class VERDA_EXPORT IpGenAddr {
   /// The IPv4 address 0.0.0.0.
   IpGenAddr() = default;
   /// From 4 bytes in network order.
-  explicit IpGenAddr(std::span<const U8, ip4Length> bytes);
-  IpGenAddr(const Ip6Addr& address);
+  explicit IpGenAddr(std::span<const U8, ip4Length> bytes) : bytes_(filledUp(bytes)) {}
+  IpGenAddr(const Ip6Addr& address) : bytes_(address.bytes()), family_(IpFamily::ip6) {}
   /// From text of either family, as `inet_pton` takes it. Throws `AddressTextError` for anything
   /// else.
   explicit IpGenAddr(const Verda::String& text);
@@ -43,6 +45,14 @@ class VERDA_EXPORT IpGenAddr {
   bool operator==(const IpGenAddr&) const = default;
 
  private:
+  /// The bytes with zeros behind them, made in one piece: what is copied soon after it was written
+  /// in parts makes the processor wait.
+  static std::array<U8, Ip6Addr::length> filledUp(std::span<const U8, ip4Length> bytes) {
+    std::array<Verda::U32, Ip6Addr::length / ip4Length> words{};
+    std::memcpy(words.data(), bytes.data(), ip4Length);
+    return std::bit_cast<std::array<U8, Ip6Addr::length>>(words);
+  }
+
   // An IPv4 address stands in the first 4 bytes, the others are zero.
   std::array<U8, Ip6Addr::length> bytes_{};
   IpFamily family_ = IpFamily::ip4;

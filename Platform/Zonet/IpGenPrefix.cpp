@@ -14,14 +14,7 @@ namespace {
 
 constexpr std::string_view expectedText = "an IP address or prefix";
 
-U8 maxLengthOf(const IpGenAddr& address) {
-  return address.isIp6() ? IpGenPrefix::ip6MaxLength : IpGenPrefix::ip4MaxLength;
-}
-
 }  // namespace
-
-IpGenPrefix::IpGenPrefix(const IpGenAddr& address)
-    : address_(address), prefixLength_(maxLengthOf(address)) {}
 
 IpGenPrefix::IpGenPrefix(const IpGenAddr& address, U8 prefixLength)
     : address_(address), prefixLength_(prefixLength) {

@@ -16,7 +16,7 @@ class VERDA_EXPORT IpGenPrefix {
   /// 0.0.0.0/32.
   IpGenPrefix() = default;
   /// The whole address: a prefix length of 32 or 128.
-  IpGenPrefix(const IpGenAddr& address);
+  IpGenPrefix(const IpGenAddr& address) : address_(address), prefixLength_(maxLengthOf(address)) {}
   /// Throws `Verda::RangeError` when `prefixLength` is longer than the address.
   IpGenPrefix(const IpGenAddr& address, U8 prefixLength);
   /// From `address` or `address/length`, the length in decimal digits. Throws `AddressTextError`
@@ -32,6 +32,10 @@ class VERDA_EXPORT IpGenPrefix {
   bool operator==(const IpGenPrefix&) const = default;
 
  private:
+  static U8 maxLengthOf(const IpGenAddr& address) {
+    return address.isIp6() ? ip6MaxLength : ip4MaxLength;
+  }
+
   IpGenAddr address_;
   U8 prefixLength_ = ip4MaxLength;
 };

@@ -75,9 +75,8 @@ PacketMaker& PacketMaker::addMessageAuthenticator(bool wrong) {
 
 ByteVector PacketMaker::make() const {
   const std::size_t length = headerLength + attributes_.size();
-  ByteVector packet{code_, 7, byteOf(length / 256), byteOf(length % 256)};
-  packet.resize(headerLength);
-  packet.insert(packet.end(), attributes_.begin(), attributes_.end());
+  ByteVector packet = joined({ByteVector{code_, 7, byteOf(length / 256), byteOf(length % 256)},
+                              ByteVector(authenticatorLength), attributes_});
   sign(packet);
   return packet;
 }
