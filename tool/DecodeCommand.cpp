@@ -1,11 +1,13 @@
 #include "tool/DecodeCommand.h"
 
 #include <algorithm>
+#include <string_view>
 
 #include <fmt/format.h>
 
 #include "RadiusPacketParser/RadiusPacketConstants.h"
 #include "tool/HexInput.h"
+#include "tool/InputFormat.h"
 #include "tool/JsonOutput.h"
 #include "tool/PacketDecoder.h"
 #include "tool/PacketInput.h"
@@ -16,19 +18,23 @@
 namespace RadiusPacketTool {
 
 using RadiusPacketParser::PacketConstants;
+using RadiusPktParserBase::ErrorMsg;
 
 namespace {
 
 constexpr const char* footer =
-    "Input is hex text: any spacing, `:` and `0x` accepted, `#` begins a comment, a blank line\n"
-    "separates packets. Without FILE, and for the FILE `-`, standard input is read.\n"
+    "Hex text: any spacing, `:` and `0x` accepted, `#` begins a comment, a blank line separates\n"
+    "packets. Binary: one packet per FILE. With -f auto, a FILE of nothing but hex text is hex, "
+    "any\n"
+    "other is binary. Without FILE, and for the FILE `-`, standard input is read.\n"
     "\n"
     "Requests (codes 1, 4, 12, 40, 43) are decoded without a Request Authenticator, even if one "
     "is\n"
     "given; every other packet needs that of the request which it answers.\n"
     "\n"
     "With --json, text values are escaped as in the text form (\\n, \\xNN, \\\", \\\\) and bytes "
-    "are hex\n"
+    "are "
+    "hex\n"
     "digits without 0x; `hex` is the value as on the wire, still hidden.\n"
     "\n"
     "Exit status: 0 all packets are good; 1 a check of authenticity failed or could not be made; 2 "
@@ -36,9 +42,25 @@ constexpr const char* footer =
     "packet is refused for another fault; 3 the dictionary does not load; 64 wrong usage; 66\n"
     "unreadable input; 74 standard output cannot be written.";
 
+/// The format of that name, or null.
+const InputFormat* formatFind(std::string_view name) {
+  const auto found =
+      std::ranges::find(inputFormats, name, &decltype(inputFormats)::value_type::first);
+  return found == inputFormats.end() ? nullptr : &found->second;
+}
+
 /// What is wrong with a format's name, without the name: it may be a secret that went astray.
-std::string formatFault(const std::string& format) {
-  return format == "hex" ? "" : "hex is the only format";
+std::string formatFault(const std::string& name) {
+  return formatFind(name) != nullptr ? "" : "the formats are auto, hex and binary";
+}
+
+/// Says why a source was not read as hex, when what came of it is no packet at all: it may have
+/// been meant as hex.
+void explainBinary(const PacketSource& source, const PacketReport& report) {
+  if (source.whyBinary.has_value() && report.error == ErrorMsg::invalidPktLength) {
+    complain(fmt::format("{} is taken as binary, for it is no hex text: line {}: {}", source.name,
+                         source.whyBinary->line(), source.whyBinary->what()));
+  }
 }
 
 /// Prints reports one behind the other, and says on standard error which packets are refused.
@@ -85,9 +107,9 @@ DecodeCommand::DecodeCommand(CLI::App& program)
                       "Authenticator of the request that the packets answer: 16 bytes")
           ->type_name("HEX");
   app()
-      .add_option("-f", format_, "Format of the input; hex is the only one")
+      .add_option("-f", format_, "Format of the input; auto by default")
       ->type_name("FORMAT")
-      ->check(formatFault, "{hex}");
+      ->check(formatFault, "{auto,hex,binary}");
   app().add_flag("--json", json_, "Print one JSON object per packet and line");
   app().add_flag("--status-server", outputOptions_.statusServer,
                  "Add the verdict of the Status-Server rules on packets of code 12");
@@ -96,11 +118,11 @@ DecodeCommand::DecodeCommand(CLI::App& program)
 }
 
 ExitCode DecodeCommand::run() {
-  const Verda::Bytes authenticator = requestAuthenticator();
+  const Verda::Bytes authenticator = givenAuthenticator();
   checkStandardInput();
   const Secret secret = secret_.secret();
   const auto dictionary = loadDictionary(dictionaryPath_);
-  const std::vector<PacketSource> sources = readPackets(files_);
+  const std::vector<PacketSource> sources = readPackets(files_, *formatFind(format_));
   const PacketDecoder decoder(dictionary, secret, authenticator);
   ReportPrinter printer(json_, outputOptions_);
   for (const PacketSource& source : sources) {
@@ -109,6 +131,7 @@ ExitCode DecodeCommand::run() {
       report.source = source.name;
       report.index = at + 1;
       printer.print(report);
+      explainBinary(source, report);
     }
   }
   return printer.exitCode();
@@ -123,7 +146,7 @@ void DecodeCommand::checkStandardInput() const {
 }
 
 /// Empty when none is given. Throws `ToolError` for anything but one authenticator in hex.
-Verda::Bytes DecodeCommand::requestAuthenticator() const {
+Verda::Bytes DecodeCommand::givenAuthenticator() const {
   if (requestAuthenticatorOption_->count() == 0) {
     return {};
   }

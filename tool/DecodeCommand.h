@@ -22,14 +22,14 @@ class DecodeCommand final : public Command {
   ExitCode run() override;
 
  private:
-  Verda::Bytes requestAuthenticator() const;
+  Verda::Bytes givenAuthenticator() const;
   void checkStandardInput() const;
 
   SecretOption secret_;
   CLI::Option* requestAuthenticatorOption_;
   std::string requestAuthenticatorText_;
   std::string dictionaryPath_ = defaultDictionaryPath();
-  std::string format_;
+  std::string format_ = "auto";
   bool json_ = false;
   OutputOptions outputOptions_;
   std::vector<std::string> files_;

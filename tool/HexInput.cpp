@@ -1,15 +1,16 @@
 #include "tool/HexInput.h"
 
-#include <algorithm>
-#include <optional>
 #include <utility>
 
 #include <fmt/format.h>
 
 #include "Verda/Escape.h"
 
+#include "RadiusPacketParser/RadiusPacketConstants.h"
+
 namespace RadiusPacketTool {
 
+using RadiusPacketParser::PacketConstants;
 using Verda::U8;
 
 namespace {
@@ -18,6 +19,13 @@ constexpr std::string_view whiteSpace = " \t\n\v\f\r";
 
 bool isWhiteSpace(char c) {
   return whiteSpace.find(c) != std::string_view::npos;
+}
+
+bool isControl(char c) {
+  constexpr U8 firstPrintable = 0x20;
+  constexpr U8 deleteCharacter = 0x7f;
+  const auto byte = static_cast<U8>(c);
+  return byte < firstPrintable || byte == deleteCharacter;
 }
 
 std::optional<U8> digitValue(char c) {
@@ -34,83 +42,106 @@ std::optional<U8> digitValue(char c) {
   return std::nullopt;
 }
 
-bool isHexPrefix(std::string_view text) {
-  return text.starts_with("0x") || text.starts_with("0X");
+}  // namespace
+
+void HexReader::take(std::string_view piece) {
+  for (const char c : piece) {
+    if (!isHexText_) {
+      return;
+    }
+    takeCharacter(c);
+  }
 }
 
-/// Puts packets together from the lines of a text.
-class HexReader {
- public:
-  void takeLine(std::string_view line) {
-    ++line_;
-    if (std::ranges::all_of(line, isWhiteSpace)) {
-      endPacket();
-      return;
-    }
-    line = line.substr(0, line.find('#'));
-    while (!line.empty()) {
-      const bool isPrefix = !highDigit_.has_value() && isHexPrefix(line);
-      if (!isPrefix) {
-        takeCharacter(line.front());
-      }
-      line.remove_prefix(isPrefix ? 2 : 1);
-    }
+std::vector<std::vector<U8>> HexReader::finish() {
+  endPacket();
+  if (fault_.has_value()) {
+    throw BadHex(*fault_);
   }
+  return std::move(packets_);
+}
 
-  std::vector<std::vector<U8>> finish() {
-    endPacket();
-    return std::move(packets_);
+void HexReader::takeCharacter(char c) {
+  const bool zeroWasLast = std::exchange(zeroIsLast_, false);
+  if (c == '\n') {
+    endLine();
+    return;
   }
+  if (isWhiteSpace(c)) {
+    return;
+  }
+  lineIsBlank_ = false;
+  if (inComment_) {
+    if (commentBytes_ == CommentBytes::text && isControl(c)) {
+      refuseCharacter(c, "is a control byte");
+    }
+  } else if (c == '#') {
+    inComment_ = true;
+  } else if (zeroWasLast && (c == 'x' || c == 'X')) {
+    highDigit_.reset();
+  } else {
+    takePacketCharacter(c);
+  }
+}
 
- private:
-  void takeCharacter(char c) {
-    if (isWhiteSpace(c) || c == ':') {
-      return;
-    }
-    const std::optional<U8> digit = digitValue(c);
-    if (!digit.has_value()) {
-      throw BadHex(line_, fmt::format("\"{}\" is no hex digit",
-                                      Verda::escaped(std::string_view(&c, 1), "\"\\")));
-    }
+void HexReader::takePacketCharacter(char c) {
+  if (c == ':') {
+    return;
+  }
+  if (const std::optional<U8> digit = digitValue(c)) {
     takeDigit(*digit);
+  } else {
+    refuseCharacter(c, "is no hex digit");
   }
+}
 
-  void takeDigit(U8 digit) {
-    constexpr unsigned nibbleBits = 4;
-    lastDigitLine_ = line_;
-    if (highDigit_.has_value()) {
-      bytes_.push_back(static_cast<U8>((*highDigit_ << nibbleBits) | digit));
-      highDigit_.reset();
-    } else {
-      highDigit_ = digit;
-    }
+void HexReader::takeDigit(U8 digit) {
+  constexpr unsigned nibbleBits = 4;
+  lastDigitLine_ = line_;
+  if (!highDigit_.has_value()) {
+    highDigit_ = digit;
+    zeroIsLast_ = digit == 0;
+    return;
   }
-
-  void endPacket() {
-    if (highDigit_.has_value()) {
-      throw BadHex(lastDigitLine_, "the packet ends with half a byte: an odd number of hex digits");
-    }
-    if (!bytes_.empty()) {
-      packets_.push_back(std::exchange(bytes_, {}));
-    }
+  if (bytes_.size() < PacketConstants::maxLength()) {
+    bytes_.push_back(static_cast<U8>((*highDigit_ << nibbleBits) | digit));
   }
+  highDigit_.reset();
+}
 
-  std::vector<std::vector<U8>> packets_;
-  std::vector<U8> bytes_;
-  std::optional<U8> highDigit_;
-  std::size_t line_ = 0;
-  std::size_t lastDigitLine_ = 0;
-};
+void HexReader::endLine() {
+  if (lineIsBlank_) {
+    endPacket();
+  }
+  lineIsBlank_ = true;
+  inComment_ = false;
+  ++line_;
+}
 
-}  // namespace
+void HexReader::endPacket() {
+  if (highDigit_.has_value()) {
+    highDigit_.reset();
+    refuse(lastDigitLine_, "the packet ends with half a byte: an odd number of hex digits");
+  }
+  if (!bytes_.empty()) {
+    packets_.push_back(std::exchange(bytes_, {}));
+  }
+}
+
+void HexReader::refuse(std::size_t line, const std::string& message) {
+  if (!fault_.has_value()) {
+    fault_.emplace(line, message);
+  }
+}
+
+void HexReader::refuseCharacter(char c, std::string_view why) {
+  isHexText_ = false;
+  refuse(line_, fmt::format("\"{}\" {}", Verda::escaped(std::string_view(&c, 1), "\"\\"), why));
+}
 
 std::vector<std::vector<U8>> parseHex(std::string_view text) {
   HexReader reader;
-  while (!text.empty()) {
-    const std::size_t end = std::min(text.find('\n'), text.size());
-    reader.takeLine(text.substr(0, end));
-    text.remove_prefix(std::min(end + 1, text.size()));
-  }
+  reader.take(text);
   return reader.finish();
 }
 

@@ -9,7 +9,7 @@
 #include "Verda/Types.h"
 #include "ZoCrypto/Cleanse.h"
 
-#include "tool/FileBytes.h"
+#include "tool/InputFile.h"
 
 namespace RadiusPacketTool {
 
@@ -55,9 +55,10 @@ Secret readSecretFile(const std::string& path) {
   std::array<U8, pieceSize> buffer;
   const ZoCrypto::CleanseOnExit cleanBuffer(buffer);
   std::vector<U8, CleansingAllocator<U8>> content;
-  eachPieceOfFile(path, buffer, [&](std::span<const U8> piece) {
-    content.insert(content.end(), piece.begin(), piece.end());
-  });
+  const InputFile file(path);
+  while (const std::size_t count = file.read(buffer)) {
+    content.insert(content.end(), buffer.begin(), buffer.begin() + count);
+  }
   return Secret(withoutNewline(
       std::string_view(reinterpret_cast<const char*>(content.data()), content.size())));
 }

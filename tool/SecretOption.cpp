@@ -6,7 +6,7 @@
 #include "Verda/Types.h"
 #include "ZoCrypto/Cleanse.h"
 
-#include "tool/FileBytes.h"
+#include "tool/InputFile.h"
 #include "tool/ToolError.h"
 
 namespace RadiusPacketTool {

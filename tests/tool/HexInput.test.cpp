@@ -44,11 +44,32 @@ const std::array goodRows{
     GoodRow{"a packet of comments is none", "01\n\n# nothing\n\n02", {{1}, {2}}},
 };
 
+/// Reads a text that comes byte by byte.
+HexReader readInPieces(std::string_view text, CommentBytes commentBytes = CommentBytes::any) {
+  HexReader reader(commentBytes);
+  for (std::size_t at = 0; at < text.size(); ++at) {
+    reader.take(text.substr(at, 1));
+  }
+  return reader;
+}
+
 TEST(HexInput, ReadsPackets) {
   for (const GoodRow& row : goodRows) {
     SCOPED_TRACE(row.name);
     EXPECT_EQ(parseHex(row.text), row.packets);
+    HexReader reader = readInPieces(row.text);
+    EXPECT_TRUE(reader.isHexText());
+    EXPECT_EQ(reader.finish(), row.packets);
   }
+}
+
+TEST(HexInput, KeepsNoMoreThanTheGreatestPacket) {
+  constexpr std::size_t greatest = 4096;
+  std::string text;
+  for (std::size_t count = 0; count < 70000; ++count) {
+    text += count < greatest ? "01" : "02";
+  }
+  EXPECT_EQ(parseHex(text + "\n\n03"), (Packets{Packets::value_type(greatest, 1), {3}}));
 }
 
 struct BadRow {
@@ -69,22 +90,78 @@ const std::array badRows{
     BadRow{"a sign", "-01", 1, "\"-\" is no hex digit"},
     BadRow{"a comma", "01,02", 1, "\",\" is no hex digit"},
     BadRow{"a prefix inside a pair", "1 0x02", 1, "\"x\" is no hex digit"},
+    BadRow{"a prefix that is split", "0 x01", 1, "\"x\" is no hex digit"},
+    BadRow{"a prefix on two lines", "0\nx01", 2, "\"x\" is no hex digit"},
+    BadRow{"an x behind a whole byte", "00x01", 1, "\"x\" is no hex digit"},
     BadRow{"an x alone", "x01", 1, "\"x\" is no hex digit"},
     BadRow{"an odd number of digits", "012", 1, oddMessage},
     BadRow{"half a byte before a blank line", "01\n2 # half\n# comment\n\n03", 2, oddMessage},
     BadRow{"half a byte at the end", "01\n\n02\n3\n\n\n", 4, oddMessage},
 };
 
+using Fault = std::pair<std::size_t, std::string>;
+
+/// The line and the message of what `read` throws.
+template <typename Read>
+std::optional<Fault> faultOf(Read read) {
+  try {
+    read();
+  } catch (const BadHex& thrown) {
+    return Fault(thrown.line(), thrown.what());
+  }
+  return std::nullopt;
+}
+
 TEST(HexInput, RefusesWhatIsNoHexAndSaysWhere) {
   for (const BadRow& row : badRows) {
     SCOPED_TRACE(row.name);
-    std::optional<std::pair<std::size_t, std::string>> fault;
-    try {
-      parseHex(row.text);
-    } catch (const BadHex& thrown) {
-      fault.emplace(thrown.line(), thrown.what());
-    }
-    EXPECT_EQ(fault, std::pair(row.line, std::string(row.message)));
+    const Fault expected(row.line, row.message);
+    EXPECT_EQ(faultOf([&] { parseHex(row.text); }), expected);
+    EXPECT_EQ(faultOf([&] { readInPieces(row.text).finish(); }), expected);
+  }
+}
+
+TEST(HexInput, TellsHalfABytesTextFromWhatIsNoHexText) {
+  for (const BadRow& row : badRows) {
+    SCOPED_TRACE(row.name);
+    EXPECT_EQ(readInPieces(row.text).isHexText(), std::string_view(row.message) == oddMessage);
+  }
+}
+
+TEST(HexInput, FirstFaultWinsAndTheRestIsStillJudged) {
+  HexReader reader = readInPieces("1\n\n2\n\n");
+  EXPECT_TRUE(reader.isHexText());
+  reader.take("z\n\ny");
+  EXPECT_FALSE(reader.isHexText());
+  ASSERT_TRUE(reader.fault().has_value());
+  EXPECT_EQ(reader.fault()->line(), 1U);
+  EXPECT_EQ(faultOf([&] { reader.finish(); }), Fault(1, oddMessage));
+}
+
+struct CommentRow {
+  const char* name;
+  std::string_view text;
+  const char* message;  ///< null when the comment may hold it
+};
+
+const std::array commentRows{
+    CommentRow{"white space", "# \t\v\f\r\n01", nullptr},
+    CommentRow{"text", "#~\xc3\xa9\xff\n01", nullptr},
+    CommentRow{"a zero byte", std::string_view("#\0\n01", 5), R"("\x00" is a control byte)"},
+    CommentRow{"an escape", "#\x1b\n01", R"("\x1b" is a control byte)"},
+    CommentRow{"the last control byte", "#\x1f\n01", R"("\x1f" is a control byte)"},
+    CommentRow{"a delete", "#\x7f\n01", R"("\x7f" is a control byte)"},
+};
+
+TEST(HexInput, RefusesControlBytesInCommentsWhereItIsAskedTo) {
+  for (const CommentRow& row : commentRows) {
+    SCOPED_TRACE(row.name);
+    EXPECT_EQ(readInPieces(row.text).finish(), (Packets{{1}}));
+    HexReader reader = readInPieces(row.text, CommentBytes::text);
+    EXPECT_EQ(reader.isHexText(), row.message == nullptr);
+    const auto expected =
+        row.message == nullptr ? std::nullopt : std::optional(Fault(1, row.message));
+    EXPECT_EQ(faultOf([&] { reader.finish(); }), expected);
   }
 }
 

@@ -19,11 +19,12 @@ import sys
 import tempfile
 import unittest
 
-PROGRAM, DATA = sys.argv[1], pathlib.Path(sys.argv[2])
+from program import PROGRAM, run
+
+DATA = pathlib.Path(sys.argv[2])
 DICTIONARIES = DATA.parent.parent / "dictionaries"
 GOLDEN_COUNT = int(re.search(r"goldenPacketCount = (\d+);", (
     DATA.parent / "support" / "GoldenPackets.h").read_text())[1])
-VARIABLE = "RADIUS_PACKET_SECRET"
 SECRET = "golden-packets"
 REQUEST_AUTHENTICATOR = bytes(range(0xA0, 0xB0))
 REQUEST_CODES = (1, 4, 12, 40, 43)
@@ -34,28 +35,6 @@ PACKET_KEYS = [
 ]
 ATTRIBUTE_KEYS = ["attrId", "vendorId", "vendorAttrId", "name", "type", "tag", "value", "hex"]
 MISSING = "no Request Authenticator: give that of the request which this packet answers with -a HEX"
-
-
-class Result:
-    def __init__(self, completed):
-        self.status = completed.returncode
-        self.output = completed.stdout
-        self.text = completed.stdout.decode()
-        self.errors = completed.stderr.decode()
-
-    @property
-    def packets(self):
-        return [json.loads(line) for line in self.text.splitlines()]
-
-
-def run(*arguments, stdin=b"", variable=None, **options):
-    """Runs the program, with the secret's variable as given or unset."""
-    environment = {key: value for key, value in os.environ.items() if key != VARIABLE}
-    if variable is not None:
-        environment[VARIABLE] = variable
-    stdin = stdin if isinstance(stdin, bytes) else stdin.encode()
-    return Result(subprocess.run([PROGRAM, *arguments], input=stdin, env=environment, timeout=120,
-                                 stdout=subprocess.PIPE, stderr=subprocess.PIPE, **options))
 
 
 def decode(*arguments, stdin=b"", secret=SECRET, **options):
@@ -124,11 +103,15 @@ class Golden:
             digits += line.split("#")[0]
         self.packet = bytes.fromhex(digits)
 
-    def decode(self, folder, *options):
+    def options(self, folder):
+        """The secret and the Request Authenticator as the program takes them."""
         secret = pathlib.Path(folder) / "secret"
         secret.write_bytes(bytes.fromhex(self.secret) + b"\n")
         given = ("-a", self.request_authenticator) if self.request_authenticator else ()
-        return run("decode", "-s", secret, *given, *options, self.path)
+        return "-s", secret, *given
+
+    def decode(self, folder, *options):
+        return run("decode", *self.options(folder), *options, self.path)
 
 
 def golden_packets():
@@ -237,7 +220,7 @@ class GoldenPackets(unittest.TestCase):
                     self.check(golden, golden.decode(folder, "--json"))
 
     def check(self, golden, result):
-        (report,) = result.packets
+        (report,) = result.objects
         self.assertEqual(list(report), PACKET_KEYS)
         self.assertEqual(report["source"], str(golden.path))
         self.assertEqual(report["index"], 1)
@@ -293,7 +276,7 @@ class PublishedPackets(unittest.TestCase):
             if expected["verdict"] != "accept" or not signed or verified["msg_auth"] is False:
                 continue
             with self.subTest(vector["name"]):
-                (report,) = self.decode(vector).packets
+                (report,) = self.decode(vector).objects
                 values = [bytes.fromhex(entry["hex"]) for entry in report["attributes"]]
                 content = bytes.fromhex(vector["packet_hex"])[20:report["length"]]
                 self.assertEqual(values, wire_values(content)[:len(values)])
@@ -309,7 +292,7 @@ class PublishedPackets(unittest.TestCase):
                                                                      verified["request_auth"]):
                 with self.subTest(vector["name"]):
                     result = self.decode(vector)
-                    self.assertEqual(result.packets[0]["error"], "invalidPktAuth")
+                    self.assertEqual(result.objects[0]["error"], "invalidPktAuth")
                     self.assertEqual(result.status, 1)
                     failed += 1
         self.assertGreater(failed, 0)
@@ -332,6 +315,7 @@ class Usage(unittest.TestCase):
     def test_wrong_usage_ends_with_64_and_a_hint(self):
         request = GOOD_REQUEST.hex()
         for arguments in ([], ["frobnicate"], ["decode", "--bogus"], ["decode", "-f", "pcap"],
+                          ["decode", "-f", "HEX"], ["decode", "-f", "automatic"],
                           ["decode", "-f"], ["decode", "-a"], ["decode", "-d"], ["decode", "-s"],
                           ["decode", "--secret"], ["decode", "--json=maybe"],
                           ["decode", "--json="], ["decode", "--json=", "--json"],
@@ -352,12 +336,14 @@ class Usage(unittest.TestCase):
                 with self.subTest(arguments):
                     result = decode(*arguments)
                     self.assertEqual(result.status, 0)
-                    self.assertEqual(result.packets[0]["source"], str(path))
+                    self.assertEqual(result.objects[0]["source"], str(path))
 
     def test_a_file_may_be_called_like_a_command(self):
         with tempfile.TemporaryDirectory() as folder:
-            (pathlib.Path(folder) / "decode").write_text(GOOD_REQUEST.hex())
-            self.assertEqual(decode("decode", cwd=folder).status, 0)
+            for name in ("decode", "check"):
+                with self.subTest(name):
+                    (pathlib.Path(folder) / name).write_text(GOOD_REQUEST.hex())
+                    self.assertEqual(decode(name, cwd=folder).status, 0)
 
     def test_a_file_may_be_called_like_a_list(self):
         with tempfile.TemporaryDirectory() as folder:
@@ -368,7 +354,7 @@ class Usage(unittest.TestCase):
                 with self.subTest(arguments):
                     result = decode("--json", *arguments, cwd=folder)
                     self.assertEqual((result.status, result.errors), (0, ""))
-                    self.assertEqual({report["source"] for report in result.packets}, {"./[a,b]"})
+                    self.assertEqual({report["source"] for report in result.objects}, {"./[a,b]"})
 
     def test_standard_input_can_be_named_once(self):
         result = decode("-", "-", stdin=GOOD_REQUEST.hex())
@@ -399,7 +385,7 @@ class RequestAuthenticator(unittest.TestCase):
         for code in (2, 3, 5, 6, 11, 13, 41, 42, 44, 45, 255):
             with self.subTest(code):
                 result = decode("--json", stdin=packet(code).hex())
-                (report,) = result.packets
+                (report,) = result.objects
                 self.assertEqual((report["error"], report["reason"]), (None, MISSING))
                 self.assertEqual(report["attributes"], [])
                 self.assertEqual(result.status, 1)
@@ -408,7 +394,7 @@ class RequestAuthenticator(unittest.TestCase):
 
     def test_header_faults_come_before_a_missing_one(self):
         result = decode("--json", stdin=GOOD_RESPONSE[:19].hex())
-        self.assertEqual(result.packets[0]["error"], "invalidPktLength")
+        self.assertEqual(result.objects[0]["error"], "invalidPktLength")
         self.assertEqual(result.status, 2)
 
     def test_requests_take_none(self):
@@ -423,7 +409,7 @@ class RequestAuthenticator(unittest.TestCase):
         for given in ((), A_OPTION):
             with self.subTest(given):
                 result = decode("--json", *given, stdin="\n\n".join(p.hex() for p in packets))
-                self.assertEqual(len(result.packets), 256)
+                self.assertEqual(len(result.objects), 256)
                 self.assertEqual(result.status, 2 if given else 1)
 
 
@@ -527,7 +513,7 @@ class Secret(unittest.TestCase):
         unexpected = "there is an option or argument that was not expected"
         value = "an option has a value that it does not take"
         excluded = "-s excludes --secret"
-        no_hex = "-f: hex is the only format"
+        no_format = "-f: the formats are auto, hex and binary"
         empty = "no option but --secret takes an empty value behind ="
         for arguments, fault in (
             (["--secret", secret, "decode", "p"], unexpected),
@@ -544,8 +530,8 @@ class Secret(unittest.TestCase):
             (["decode", "-s", "p", "--secret", secret], excluded),
             (["decode", "--secret", secret, "--secret", secret],
              "--secret: At Most 1 required but received 2"),
-            (["decode", "-f", secret], no_hex), (["decode", f"-f{secret}"], no_hex),
-            (["decode", "-f", f"--secret={secret}"], no_hex),
+            (["decode", "-f", secret], no_format), (["decode", f"-f{secret}"], no_format),
+            (["decode", "-f", f"--secret={secret}"], no_format), (["decode", "-f", ""], no_format),
             (["decode", "--secret", secret, "-a"], "-a: 1 required HEX missing"),
         ):
             with self.subTest(arguments):
@@ -586,21 +572,21 @@ class Input(unittest.TestCase):
             with self.subTest(name):
                 result = decode("--json", stdin=text)
                 self.assertEqual(result.status, 0)
-                self.assertEqual(len(result.packets), 1)
+                self.assertEqual(len(result.objects), 1)
 
     def test_blank_lines_separate_packets(self):
         digits = GOOD_REQUEST.hex()
         for separator in ("\n\n", "\n \t\n", "\r\n\r\n", "\n\n\n\n", "\n\n# next\n"):
             with self.subTest(separator):
                 result = decode("--json", stdin=separator.join([digits] * 3))
-                self.assertEqual([report["index"] for report in result.packets], [1, 2, 3])
+                self.assertEqual([report["index"] for report in result.objects], [1, 2, 3])
 
     def test_files_and_standard_input_are_sources_of_their_own(self):
         with tempfile.TemporaryDirectory() as folder:
             path = pathlib.Path(folder) / "two.hex"
             path.write_text(GOOD_REQUEST.hex() + "\n\n" + GOOD_REQUEST.hex())
             result = decode("--json", path, "-", path, stdin=GOOD_REQUEST.hex())
-            places = [(report["source"], report["index"]) for report in result.packets]
+            places = [(report["source"], report["index"]) for report in result.objects]
             self.assertEqual(places, [(str(path), 1), (str(path), 2), ("-", 1), (str(path), 1),
                                       (str(path), 2)])
 
@@ -613,7 +599,7 @@ class Input(unittest.TestCase):
                                 (b"\xff\xfe", 1, '"\\xff" is no hex digit'),
                                 (b"\x1b[2J", 1, '"\\x1b" is no hex digit')):
             with self.subTest(text):
-                result = decode(stdin=text)
+                result = decode("-f", "hex", stdin=text)
                 self.assertEqual((result.status, result.text), (66, ""))
                 self.assertEqual(result.errors, f"radius-packet: -: line {line}: {why}\n")
 
@@ -622,27 +608,48 @@ class Input(unittest.TestCase):
             good, bad = pathlib.Path(folder) / "good", pathlib.Path(folder) / "bad"
             good.write_text(GOOD_REQUEST.hex())
             bad.write_text("01\n02\ngg")
-            result = decode(good, bad)
+            result = decode("-f", "hex", good, bad)
             self.assertEqual((result.status, result.text), (66, ""))
             self.assertEqual(result.errors,
                              f'radius-packet: {bad}: line 3: "g" is no hex digit\n')
 
     def test_no_packets_at_all(self):
-        for text in ("", "\n\n", "# only a comment\n", ":::", "0x"):
-            with self.subTest(text):
-                result = decode("--json", stdin=text)
-                self.assertEqual((result.status, result.text), (66, ""))
-                self.assertEqual(result.errors, "radius-packet: no packets in the input\n")
+        for formats, texts in (((), ("", "\n\n", "# only a comment\n", ":::", "0x")),
+                               (("-f", "auto"), ("", "\n\n", "# only a comment\n", ":::", "0x")),
+                               (("-f", "hex"), ("", "\n\n", "#\0\xff\n", ":::", "0x")),
+                               (("-f", "binary"), ("",))):
+            for text in texts:
+                with self.subTest(formats=formats, text=text):
+                    result = decode("--json", *formats, stdin=text)
+                    self.assertEqual((result.status, result.text), (66, ""))
+                    self.assertEqual(result.errors, "radius-packet: no packets in the input\n")
 
     def test_files_that_cannot_be_read(self):
-        for path in ("/missing", "/"):
-            self.assertEqual(decode(path).status, 66)
+        # Nobody may read a process's memory at 0, not even root.
+        for path, why in (("/missing", "No such file or directory"), ("/", "Is a directory"),
+                          ("/proc/self/mem", "Input/output error")):
+            for name in ("auto", "hex", "binary"):
+                with self.subTest(path=path, format=name):
+                    result = decode("-f", name, path)
+                    self.assertEqual((result.status, result.text), (66, ""))
+                    self.assertEqual(result.errors, f"radius-packet: cannot read {path}: {why}\n")
+
+    @unittest.skipIf(os.geteuid() == 0, "root may read every file")
+    def test_file_without_permission(self):
+        with tempfile.TemporaryDirectory() as folder:
+            path = pathlib.Path(folder) / "secret.hex"
+            path.write_text(GOOD_REQUEST.hex())
+            path.chmod(0)
+            result = decode(path)
+            self.assertEqual((result.status, result.text), (66, ""))
+            self.assertEqual(result.errors,
+                             f"radius-packet: cannot read {path}: Permission denied\n")
 
     def test_megabytes_are_read(self):
         big = decode("--json", stdin=(GOOD_REQUEST.hex() + "\n\n") * 20000)
-        self.assertEqual((len(big.packets), big.status), (20000, 0))
+        self.assertEqual((len(big.objects), big.status), (20000, 0))
         padded = decode("--json", stdin=GOOD_REQUEST.hex() + "00 " * 1000000)
-        self.assertEqual((len(padded.packets), padded.status), (1, 0))
+        self.assertEqual((len(padded.objects), padded.status), (1, 0))
 
     def test_garbage_never_ends_the_program(self):
         generator = random.Random(2865)
@@ -654,10 +661,164 @@ class Input(unittest.TestCase):
             garbage.append(body or b"\0")
         for given in ((), A_OPTION):
             result = decode("--json", *given, stdin="\n\n".join(g.hex() for g in garbage))
-            self.assertEqual(len(result.packets), len(garbage))
+            self.assertEqual(len(result.objects), len(garbage))
             self.assertEqual(result.status, 2)
         for _ in range(20):
-            self.assertEqual(decode(stdin=generator.randbytes(1000)).status, 66)
+            noise = generator.randbytes(1000)
+            self.assertEqual(decode("-f", "hex", stdin=noise).status, 66)
+            for arguments in ((), ("-f", "binary")):
+                result = decode("--json", *arguments, stdin=noise)
+                self.assertEqual((len(result.objects), result.status), (1, 2))
+
+
+class Format(unittest.TestCase):
+    """`-f`: what is read as hex, and what as one binary packet."""
+
+    def decode(self, name, content, *arguments):
+        """Decodes from a file and from standard input, which must agree but for the name."""
+        with tempfile.TemporaryDirectory() as folder:
+            path = pathlib.Path(folder) / "input"
+            path.write_bytes(content)
+            from_file = decode("-f", name, *arguments, path)
+            result = decode("-f", name, *arguments, stdin=content)
+            self.assertEqual(
+                (from_file.status, from_file.text.replace(str(path), "-"),
+                 from_file.errors.replace(str(path), "-")),
+                (result.status, result.text, result.errors))
+        return result
+
+    def test_default_is_auto(self):
+        for content in (GOOD_REQUEST, GOOD_REQUEST.hex().encode()):
+            result = decode("--json", stdin=content)
+            self.assertEqual((result.status, result.errors), (0, ""))
+            self.assertEqual(result.objects, self.decode("auto", content, "--json").objects)
+
+    def test_binary_is_one_packet_a_file(self):
+        with tempfile.TemporaryDirectory() as folder:
+            paths = [pathlib.Path(folder) / name for name in ("a", "b", "c.hex")]
+            paths[0].write_bytes(GOOD_REQUEST)
+            paths[1].write_bytes(GOOD_RESPONSE)
+            paths[2].write_text(GOOD_REQUEST.hex() + "\n\n" + GOOD_REQUEST.hex())
+            result = decode("--json", *A_OPTION, *paths)
+            self.assertEqual((result.status, result.errors), (0, ""))
+            self.assertEqual([(report["source"], report["index"]) for report in result.objects],
+                             [(str(paths[0]), 1), (str(paths[1]), 1), (str(paths[2]), 1),
+                              (str(paths[2]), 2)])
+
+    def test_golden_packets_decode_alike_in_binary(self):
+        for golden in golden_packets():
+            with self.subTest(golden.path.name), tempfile.TemporaryDirectory() as folder:
+                as_hex, *as_binary = (
+                    run("decode", "--json", *golden.options(folder), "-f", name, stdin=content)
+                    for name, content in (("hex", golden.packet.hex()), ("auto", golden.packet),
+                                          ("binary", golden.packet)))
+                self.assertEqual(as_hex.objects[0]["error"], golden.result)
+                for result in as_binary:
+                    self.assertEqual((result.status, result.text), (as_hex.status, as_hex.text))
+
+    def test_said_to_be_binary_is_binary_whatever_it_looks_like(self):
+        result = self.decode("binary", GOOD_REQUEST.hex().encode(), "--json")
+        (report,) = result.objects
+        self.assertEqual((result.status, report["error"]), (2, "invalidPktLength"))
+        self.assertEqual(result.errors, "radius-packet: packet 1 of - refused: invalidPktLength: "
+                                        "Invalid packet header length: 12343\n")
+
+    def test_auto_takes_hex_in_any_dress_for_hex(self):
+        digits = GOOD_REQUEST.hex()
+        for text in (digits.upper(), "0x" + digits, ":".join(digits), "\t" + digits + "\r\n\f\v",
+                     "# caf\u00e9 \u2013 zz\n" + digits + "# z", "\n\n" + digits + "\n\n"):
+            with self.subTest(text):
+                result = self.decode("auto", text.encode(), "--json")
+                self.assertEqual((result.status, result.errors, len(result.objects)), (0, "", 1))
+
+    def test_auto_leaves_half_a_byte_bad_hex(self):
+        for text in (b"012", b"01\n2 # half\n\n03"):
+            self.assertEqual(self.decode("auto", text).status, 66)
+            self.assertEqual(self.decode("auto", text).errors, self.decode("hex", text).errors)
+
+    def test_hex_with_a_slip_is_taken_as_binary_and_told_why(self):
+        digits = GOOD_REQUEST.hex()
+        reason = "refused: invalidPktLength: Invalid packet header length: 12343"
+        for text, line, why in (
+            (digits + "\n\n\n" + digits + "g", 4, '"g" is no hex digit'),
+            (digits + "\n\0", 2, '"\\x00" is no hex digit'),
+            (digits + "\n# \x1b[2J", 2, '"\\x1b" is a control byte'),
+            (digits + "1\n\n-", 1, "the packet ends with half a byte: an odd number of hex digits"),
+            (digits + " " * 300000 + "z", 1, '"z" is no hex digit'),
+        ):
+            with self.subTest(why):
+                result = self.decode("auto", text.encode(), "--json")
+                (report,) = result.objects
+                self.assertEqual((result.status, report["error"]), (2, "invalidPktLength"))
+                self.assertEqual(result.errors,
+                                 f"radius-packet: packet 1 of - {reason}\n"
+                                 f"radius-packet: - is taken as binary, for it is no hex text: "
+                                 f"line {line}: {why}\n")
+
+    def test_binary_packet_with_a_good_header_is_not_told_why(self):
+        wrong = GOOD_REQUEST[:-1]
+        broken = packet(1, b"\1")
+        for content, said in ((broken, 1), (packet(1, attribute(80, bytes(16))), 1), (wrong, 2)):
+            self.assertEqual(len(self.decode("auto", content).errors.splitlines()), said)
+
+    def test_binary_packet_that_begins_like_a_comment_is_binary(self):
+        for code in (11, 12):
+            content = bytearray(packet(code, attribute(18, b"hello")))
+            content[1] = ord("#")
+            if code == 11:
+                digest = hashlib.md5(content[:4] + REQUEST_AUTHENTICATOR + content[20:]
+                                     + SECRET.encode()).digest()
+                content[4:20] = digest
+            result = self.decode("auto", bytes(content), "--json", *A_OPTION)
+            (report,) = result.objects
+            self.assertEqual((result.status, report["code"], report["id"]), (0, code, ord("#")))
+
+    def test_binary_packet_of_hex_characters_needs_to_be_said_binary(self):
+        content = b"\f0\n0" + b"0" * 2604  # Status-Server, its Length the characters LF and 0
+        self.assertEqual(len(content), 0x0A30)
+        self.assertEqual(self.decode("binary", content, "--json").objects[0]["length"], 0x0A30)
+        self.assertEqual(self.decode("auto", content).text, self.decode("hex", content).text)
+
+    def test_padding_is_not_looked_at(self):
+        for name in ("auto", "binary"):
+            for size in (4096, 4097, 70000):
+                with self.subTest(format=name, size=size):
+                    content = GOOD_REQUEST + b"\xff" * (size - len(GOOD_REQUEST))
+                    result = self.decode(name, content, "--json")
+                    self.assertEqual((result.status, result.errors), (0, ""))
+                    self.assertEqual(len(result.objects[0]["attributes"]), 1)
+
+    def test_binary_ends_at_the_greatest_packet(self):
+        for name in ("auto", "binary"):
+            result = decode("-f", name, "/dev/zero")
+            self.assertEqual(result.status, 2)
+            self.assertEqual(result.errors.splitlines()[0],
+                             "radius-packet: packet 1 of /dev/zero refused: invalidPktLength: "
+                             "Invalid packet header length: 0")
+
+    def test_greatest_packet_is_decoded_whole(self):
+        most = b"".join([attribute(18, b"x" * 253)] * 15 + [attribute(18, b"x" * 249)])
+        content = packet(1, most)
+        self.assertEqual(len(content), 4096)
+        for name, text in (("binary", content), ("auto", content), ("hex", content.hex().encode())):
+            result = self.decode(name, text + (b"00" if name == "hex" else b"\0"), "--json")
+            self.assertEqual((result.status, len(result.objects[0]["attributes"])), (0, 16))
+
+    def test_very_long_lines(self):
+        digits = GOOD_REQUEST.hex()
+        for text in (digits + " " * 1000000, "#" + "x" * 1000000 + "\n" + digits,
+                     digits + ":" * 1000000, digits + "0" * 1000000):
+            result = decode("--json", stdin=text)
+            self.assertEqual((result.status, len(result.objects)), (0, 1))
+
+    def test_empty_file_among_others_is_no_packet(self):
+        with tempfile.TemporaryDirectory() as folder:
+            empty, good = pathlib.Path(folder) / "empty", pathlib.Path(folder) / "good"
+            empty.write_bytes(b"")
+            good.write_bytes(GOOD_REQUEST)
+            for name in ("auto", "binary"):
+                result = decode("--json", "-f", name, empty, good)
+                self.assertEqual((result.status, len(result.objects)), (0, 1))
 
 
 # ---- Output ----
@@ -668,7 +829,7 @@ class Output(unittest.TestCase):
         return decode(*A_OPTION, stdin=packet(2, *attributes).hex()).text.splitlines()[1:]
 
     def json(self, *attributes):
-        (report,) = decode("--json", *A_OPTION, stdin=packet(2, *attributes).hex()).packets
+        (report,) = decode("--json", *A_OPTION, stdin=packet(2, *attributes).hex()).objects
         return report["attributes"]
 
     def test_header_line(self):
@@ -711,7 +872,7 @@ class Output(unittest.TestCase):
         name = "a\u2028b\u2029c\u0085d"
         result = decode("--json", stdin=packet(1, attribute(1, name.encode())).hex())
         self.assertEqual(len(result.text.splitlines()), 1)
-        self.assertEqual(result.packets[0]["attributes"][0]["value"],
+        self.assertEqual(result.objects[0]["attributes"][0]["value"],
                          "a\u2028b\u2029c\\xc2\\x85d")
 
     def test_faults_are_said_on_standard_error_alone(self):
@@ -762,10 +923,10 @@ class Output(unittest.TestCase):
 
     def test_unknown_attributes_are_named_by_their_numbers(self):
         attributes = [attribute(240, b"a"), vendor_attribute(4294967295, 255, b""),
-                      vendor_attribute(311, 254, b"b")]
+                      vendor_attribute(311, 255, b"b")]
         self.assertEqual(self.text(*attributes),
                          ["Attr-240 = 0x61", "Attr-26.4294967295.255 = 0x",
-                          "Attr-26.311.254 = 0x62"])
+                          "Attr-26.311.255 = 0x62"])
         self.assertEqual([entry["value"] for entry in self.json(*attributes)], ["61", "", "62"])
         self.assertEqual(self.json(*attributes)[1],
                          {"attrId": 26, "vendorId": 4294967295, "vendorAttrId": 255,
@@ -792,7 +953,7 @@ class Output(unittest.TestCase):
                                (20, [2, "ACCESS_ACCEPT", 7, 27, GOOD_RESPONSE[4:20].hex()])):
             with self.subTest(size):
                 result = decode("--json", stdin=GOOD_RESPONSE[:size].hex())
-                (report,) = result.packets
+                (report,) = result.objects
                 self.assertEqual([report[field] for field in fields], expected)
                 self.assertEqual((report["error"], result.status), ("invalidPktLength", 2))
 
@@ -800,7 +961,7 @@ class Output(unittest.TestCase):
         for content, present in ((GOOD_REQUEST, False), (signed_request(), True),
                                  (packet(4, attribute(80, bytes(16))), True),
                                  (packet(1, attribute(80, bytes(16))), False)):
-            (report,) = decode("--json", stdin=content.hex()).packets
+            (report,) = decode("--json", stdin=content.hex()).objects
             self.assertIs(report["messageAuthenticator"], present)
 
     def test_source_that_is_no_utf8(self):
@@ -809,7 +970,7 @@ class Output(unittest.TestCase):
             with open(name, "w") as file:
                 file.write(GOOD_RESPONSE.hex())
             result = decode("--json", name)
-            self.assertEqual(result.packets[0]["source"], folder + "/\\xff\\x1b.hex")
+            self.assertEqual(result.objects[0]["source"], folder + "/\\xff\\x1b.hex")
             self.assertNotIn("\x1b", result.errors)
 
     def test_output_that_cannot_be_written(self):
@@ -855,8 +1016,8 @@ class StatusServer(unittest.TestCase):
     def test_verdict_is_a_key_of_every_object(self):
         for name, content, _, verdict in self.ROWS:
             with self.subTest(name):
-                (report,) = decode("--json", "--status-server", stdin=content.hex()).packets
-                (plain,) = decode("--json", stdin=content.hex()).packets
+                (report,) = decode("--json", "--status-server", stdin=content.hex()).objects
+                (plain,) = decode("--json", stdin=content.hex()).objects
                 self.assertEqual(list(report),
                                  [*PACKET_KEYS[:-1], "statusServer", PACKET_KEYS[-1]])
                 self.assertEqual(report.pop("statusServer"), verdict)
@@ -891,11 +1052,11 @@ class ExitStatus(unittest.TestCase):
         self.assertEqual(self.status(self.FAILED, self.REFUSED, self.GOOD), 2)
 
     def test_every_refused_packet_is_said(self):
-        result = decode(stdin="\n\n".join(p.hex() for p in (self.FAILED, self.GOOD, self.UNANSWERED,
+        result = decode(stdin="\n\n".join(p.hex() for p in (self.UNANSWERED, self.GOOD, self.FAILED,
                                                             self.REFUSED)))
         self.assertEqual(result.errors.splitlines(),
-                         ["radius-packet: packet 1 of - refused: invalidMsgAuth",
-                          f"radius-packet: packet 3 of - refused: {MISSING}",
+                         [f"radius-packet: packet 1 of - refused: {MISSING}",
+                          "radius-packet: packet 3 of - refused: invalidMsgAuth",
                           "radius-packet: packet 4 of - refused: invalidAttrLength: Invalid "
                           "attribute: 1 length: 1"])
 
@@ -919,7 +1080,7 @@ class Dictionary(unittest.TestCase):
         top = self.top("ATTRIBUTE Mine 1 integer64\nATTRIBUTE Other 2 octets has_tag\n"
                        "ATTRIBUTE When 3 date has_tag\n")
         content = packet(1, attribute(1, bytes(range(1, 9))), attribute(3, b"\1\0\0\2"))
-        (report,) = decode("--json", "-d", top, stdin=content.hex()).packets
+        (report,) = decode("--json", "-d", top, stdin=content.hex()).objects
         first, second = report["attributes"]
         self.assertEqual((first["name"], first["type"], first["value"]),
                          ("Mine", "integer64", "72623859790382856"))
@@ -929,7 +1090,7 @@ class Dictionary(unittest.TestCase):
         top = self.top("ATTRIBUTE Mine 1 word\n")
         result = decode("--json", "-d", top, stdin=GOOD_REQUEST.hex())
         self.assertEqual(result.status, 0)
-        self.assertEqual(result.packets[0]["attributes"][0]["type"], "unknown")
+        self.assertEqual(result.objects[0]["attributes"][0]["type"], "unknown")
         self.assertIn(f"File {self.folder}/ours Unknown/Non-Standard Type word", result.errors)
 
     def test_that_cannot_be_opened_ends_with_3(self):
