@@ -11,6 +11,7 @@
 #include "tool/JsonOutput.h"
 #include "tool/PacketDecoder.h"
 #include "tool/PacketInput.h"
+#include "tool/PairingDecoder.h"
 #include "tool/StandardStreams.h"
 #include "tool/TextOutput.h"
 #include "tool/ToolError.h"
@@ -30,7 +31,9 @@ constexpr const char* footer =
     "\n"
     "Requests (codes 1, 4, 12, 40, 43) are decoded without a Request Authenticator, even if one "
     "is\n"
-    "given; every other packet needs that of the request which it answers.\n"
+    "given. Every other packet needs that of the request which it answers: the one of -a, else "
+    "that\n"
+    "of the nearest request in front of it that has its Identifier and that its code can answer.\n"
     "\n"
     "With --json, text values are escaped as in the text form (\\n, \\xNN, \\\", \\\\) and bytes "
     "are "
@@ -79,7 +82,7 @@ class ReportPrinter {
     }
     isFirst_ = false;
     if (!isAccepted(report)) {
-      complain(fmt::format("{} refused: {}", placeText(report), faultText(report)));
+      complain(fmt::format("{} refused: {}", placeText(report.place), faultText(report)));
     }
     exitCode_ = std::max(exitCode_, exitCodeOf(report));
   }
@@ -118,18 +121,18 @@ DecodeCommand::DecodeCommand(CLI::App& program)
 }
 
 ExitCode DecodeCommand::run() {
-  const Verda::Bytes authenticator = givenAuthenticator();
+  const Verda::Bytes given = givenAuthenticator();
   checkStandardInput();
   const Secret secret = secret_.secret();
   const auto dictionary = loadDictionary(dictionaryPath_);
   const std::vector<PacketSource> sources = readPackets(files_, *formatFind(format_));
-  const PacketDecoder decoder(dictionary, secret, authenticator);
+  const PacketDecoder decoder(dictionary, secret);
+  PairingDecoder pairing(decoder, given);
   ReportPrinter printer(json_, outputOptions_);
   for (const PacketSource& source : sources) {
     for (std::size_t at = 0; at < source.packets.size(); ++at) {
-      PacketReport report = decoder.decode(source.packets[at]);
-      report.source = source.name;
-      report.index = at + 1;
+      const PacketReport report =
+          pairing.decode({.source = source.name, .index = at + 1}, source.packets[at]);
       printer.print(report);
       explainBinary(source, report);
     }

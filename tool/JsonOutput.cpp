@@ -1,10 +1,6 @@
 #include "tool/JsonOutput.h"
 
-#include <array>
-#include <cstddef>
 #include <optional>
-#include <string_view>
-#include <utility>
 #include <variant>
 
 #include <nlohmann/json.hpp>
@@ -13,6 +9,7 @@
 
 #include "RadiusPacketParser/RadiusPacketConstants.h"
 #include "tool/HexText.h"
+#include "tool/JsonLine.h"
 
 namespace RadiusPacketTool {
 
@@ -45,10 +42,10 @@ Json attributeJson(const ReportedAttribute& attribute) {
 }
 
 Json codeNameJson(const PacketReport& report) {
-  if (!report.code.has_value()) {
+  if (!report.header.code.has_value()) {
     return nullptr;
   }
-  const auto code = static_cast<RadiusCode::RadiusCodeEnum>(*report.code);
+  const auto code = static_cast<RadiusCode::RadiusCodeEnum>(*report.header.code);
   return std::string(stringValue(code).view());
 }
 
@@ -58,16 +55,21 @@ Json nameJson(const std::optional<Enum>& value) {
   return value.has_value() ? Json(std::string(stringValue(*value).view())) : Json(nullptr);
 }
 
+Json placeJson(const PacketPlace& place) {
+  return {{"source", Verda::escaped(place.source)}, {"index", place.index}};
+}
+
 Json packetJson(const PacketReport& report, const OutputOptions& options) {
-  Json packet;
-  packet["source"] = Verda::escaped(report.source);
-  packet["index"] = report.index;
-  packet["code"] = jsonOrNull(report.code);
+  Json packet = placeJson(report.place);
+  packet["code"] = jsonOrNull(report.header.code);
   packet["codeName"] = codeNameJson(report);
-  packet["id"] = jsonOrNull(report.id);
-  packet["length"] = jsonOrNull(report.length);
-  packet["authenticator"] =
-      report.authenticator.has_value() ? Json(hexText(*report.authenticator)) : Json(nullptr);
+  packet["id"] = jsonOrNull(report.header.id);
+  packet["length"] = jsonOrNull(report.header.length);
+  packet["authenticator"] = report.header.authenticator.has_value()
+                                ? Json(hexText(*report.header.authenticator))
+                                : Json(nullptr);
+  packet["pairedWith"] =
+      report.pairedWith.has_value() ? placeJson(*report.pairedWith) : Json(nullptr);
   packet["error"] = nameJson(report.error);
   packet["reason"] =
       report.reason.has_value() ? Json(Verda::escaped(*report.reason)) : Json(nullptr);
@@ -82,27 +84,10 @@ Json packetJson(const PacketReport& report, const OutputOptions& options) {
   return packet;
 }
 
-/// JSON allows these two inside a string as they are, but readers that split lines as Unicode says
-/// would see the object end there.
-void escapeLineSeparators(std::string& json) {
-  constexpr std::string_view lineSeparator = "\xe2\x80\xa8";
-  constexpr std::string_view paragraphSeparator = "\xe2\x80\xa9";
-  constexpr std::array<std::pair<std::string_view, std::string_view>, 2> escapes{
-      {{lineSeparator, "\\u2028"}, {paragraphSeparator, "\\u2029"}}};
-  for (const auto& [separator, escape] : escapes) {
-    for (std::size_t at = json.find(separator); at != std::string::npos;
-         at = json.find(separator, at)) {
-      json.replace(at, separator.size(), escape);
-    }
-  }
-}
-
 }  // namespace
 
 std::string jsonOf(const PacketReport& report, const OutputOptions& options) {
-  std::string json = packetJson(report, options).dump();
-  escapeLineSeparators(json);
-  return json + '\n';
+  return jsonLine(packetJson(report, options));
 }
 
 }  // namespace RadiusPacketTool

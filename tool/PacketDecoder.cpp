@@ -3,7 +3,6 @@
 #include <utility>
 
 #include "Zonet/Pkt.h"
-#include "Zonet/WireReader.h"
 
 #include "RadiusPacketParser/RadiusPacketConstants.h"
 #include "RadiusPacketParser/RadiusPktCommon.h"
@@ -32,7 +31,6 @@ using RadiusPktParserTest::StatusServerPktInfoParser;
 using RadiusPktParserTest::StatusServerPktParser;
 using Verda::Bytes;
 using Verda::Ptr;
-using Verda::U16;
 using Verda::U8;
 
 namespace {
@@ -91,28 +89,6 @@ class RecordingParser : public StatusServerPktParser {
 
 TYL_ENTITY_TYPE(RecordingParser)
 
-/// A report of those header fields that the packet has bytes for.
-PacketReport reportOfHeader(ByteView packet) {
-  PacketReport report;
-  Zonet::WireReader reader(packet);
-  U8 byte = 0;
-  U16 length = 0;
-  ByteView authenticator;
-  if (reader.read(byte)) {
-    report.code = byte;
-  }
-  if (reader.read(byte)) {
-    report.id = byte;
-  }
-  if (reader.read(length)) {
-    report.length = length;
-  }
-  if (reader.read(PacketConstants::authLength(), authenticator)) {
-    report.authenticator.emplace(authenticator.begin(), authenticator.end());
-  }
-  return report;
-}
-
 /// What is known of the authenticator of a packet whose header is in order.
 Check checkedAuthenticator(U8 code, ErrorMsg error) {
   if (code == RadiusCode::ACCESS_REQUEST || code == RadiusCode::STATUS_SERVER) {
@@ -141,37 +117,36 @@ Check checkedMessageAuthenticator(U8 code, ErrorMsg error, bool present) {
 
 }  // namespace
 
-PacketDecoder::PacketDecoder(const Ptr<const RadiusDict>& dictionary, const Secret& secret,
-                             const Bytes& requestAuthenticator)
-    : parser_(RecordingParser::RecordingParserIs(dictionary)),
-      secret_(secret),
-      requestAuthenticator_(requestAuthenticator) {}
+PacketDecoder::PacketDecoder(const Ptr<const RadiusDict>& dictionary, const Secret& secret)
+    : parser_(RecordingParser::RecordingParserIs(dictionary)), secret_(secret) {}
 
-PacketReport PacketDecoder::decode(ByteView packet) const {
-  PacketReport report = reportOfHeader(packet);
+PacketReport PacketDecoder::decode(ByteView packet, const Bytes& requestAuthenticator) const {
+  PacketReport report;
+  report.header = headerOf(packet);
   const Ptr<Zonet::Pkt> pkt = Zonet::pktFactory(packet);
   FaultTrace trace;
   const auto header = parser_->getHeader(pkt);
   if (header->errorMsg() != ErrorMsg::success) {
     report.error = header->errorMsg();
     report.reason = trace.reason();
-  } else if (!isRequest(header->hdr()->code()) && requestAuthenticator_.empty()) {
+  } else if (!isRequest(header->hdr()->code()) && requestAuthenticator.empty()) {
     report.authenticatorCheck = Check::unchecked;
     report.reason =
         "no Request Authenticator: give that of the request which this packet answers with -a HEX";
   } else {
-    walk(pkt, *header->hdr(), trace, report);
+    walk(pkt, *header->hdr(), requestAuthenticator, trace, report);
   }
   return report;
 }
 
-void PacketDecoder::walk(const Ptr<Zonet::Pkt>& pkt, const RadiusHdr& header, FaultTrace& trace,
+void PacketDecoder::walk(const Ptr<Zonet::Pkt>& pkt, const RadiusHdr& header,
+                         const Bytes& requestAuthenticator, FaultTrace& trace,
                          PacketReport& report) const {
   const auto sink = RecordingSink::RecordingSinkIs(
       std::as_const(*pkt).span().first(header.length()).subspan(PacketConstants::headerLength()),
       trace);
-  const Bytes requestAuthenticator = isRequest(header.code()) ? Bytes() : requestAuthenticator_;
-  const ErrorMsg error = parser_->doProcessPkt(pkt, secret_.text(), requestAuthenticator, sink);
+  const ErrorMsg error = parser_->doProcessPkt(
+      pkt, secret_.text(), isRequest(header.code()) ? Bytes() : requestAuthenticator, sink);
   report.error = error;
   if (error != ErrorMsg::success) {
     report.reason = trace.reason();

@@ -20,24 +20,24 @@ namespace RadiusPacketTool {
 class PacketDecoder {
  public:
   /// `secret` must outlive the decoder.
-  /// @param requestAuthenticator  the authenticator of the request that the packets answer, 16
-  /// bytes;
-  ///                              empty when none is known
   PacketDecoder(const Verda::Ptr<const RadiusPacketParser::RadiusDict>& dictionary,
-                const Secret& secret, const Verda::Bytes& requestAuthenticator);
+                const Secret& secret);
 
-  /// Decodes one packet, whatever its bytes; `source` and `index` of the report are left alone.
-  PacketReport decode(std::span<const Verda::U8> packet) const;
+  /// Decodes one packet, whatever its bytes; `place` and `pairedWith` of the report are left alone.
+  /// @param requestAuthenticator  the authenticator of the request that the packet answers, 16
+  ///                              bytes, or empty when none is known; requests do without
+  PacketReport decode(std::span<const Verda::U8> packet,
+                      const Verda::Bytes& requestAuthenticator) const;
 
  private:
   /// Decodes a packet whose header is in order and whose Request Authenticator is known if it needs
   /// one: only then no bytes of a stranger reach an assertion of the library.
   void walk(const Verda::Ptr<Zonet::Pkt>& pkt, const RadiusPktParserBase::RadiusHdr& header,
-            FaultTrace& trace, PacketReport& report) const;
+            const Verda::Bytes& requestAuthenticator, FaultTrace& trace,
+            PacketReport& report) const;
 
   Verda::Ptr<RadiusPktParserBase::RadiusPktParser> parser_;
   const Secret& secret_;
-  Verda::Bytes requestAuthenticator_;
 };
 
 }  // namespace RadiusPacketTool

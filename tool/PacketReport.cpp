@@ -22,8 +22,8 @@ ExitCode exitCodeOf(const PacketReport& report) {
   }
 }
 
-std::string placeText(const PacketReport& report) {
-  return fmt::format("packet {} of {}", report.index, report.source);
+std::string placeText(const PacketPlace& place) {
+  return fmt::format("packet {} of {}", place.index, place.source);
 }
 
 std::string faultText(const PacketReport& report) {

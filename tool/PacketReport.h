@@ -11,6 +11,7 @@
 #include "RadiusPacketParser/RadiusPktParserTest.h"
 #include "RadiusPacketParser/RadiusPktTypes.h"
 #include "tool/ExitCode.h"
+#include "tool/PacketHeader.h"
 
 namespace RadiusPacketTool {
 
@@ -59,16 +60,21 @@ struct ReportedAttribute {
 /// What a check found out. `unchecked` stands for what nobody can check or has checked.
 enum class Check : Verda::U8 { absent, unchecked, verified, wrong };
 
-/// All that is known of one packet once it is decoded, whatever it is shown as.
-struct PacketReport {
-  std::string source;
+/// Which packet of the input it is.
+struct PacketPlace {
+  std::string source;     ///< the file's name, `-` for standard input
   std::size_t index = 0;  ///< from 1 within the source
 
-  // Of a packet shorter than a header, those fields that are there.
-  std::optional<Verda::U8> code;
-  std::optional<Verda::U8> id;
-  std::optional<Verda::U16> length;
-  std::optional<std::vector<Verda::U8>> authenticator;
+  bool operator==(const PacketPlace&) const = default;
+};
+
+/// All that is known of one packet once it is decoded, whatever it is shown as.
+struct PacketReport {
+  PacketPlace place;
+  PacketHeader header;
+
+  /// The request whose authenticator a response was checked with, if it was found in the input.
+  std::optional<PacketPlace> pairedWith;
 
   /// Nothing when the packet needs a Request Authenticator and none is given.
   std::optional<RadiusPktParserBase::ErrorMsg> error;
@@ -94,7 +100,7 @@ inline bool isAccepted(const PacketReport& report) {
 ExitCode exitCodeOf(const PacketReport& report);
 
 /// Which packet it is: "packet 2 of file.hex".
-std::string placeText(const PacketReport& report);
+std::string placeText(const PacketPlace& place);
 
 /// The name of the fault, then the reason where there is one.
 std::string faultText(const PacketReport& report);

@@ -32,7 +32,7 @@ std::string_view checkText(Check check) {
 }
 
 std::string authenticatorText(const PacketReport& report) {
-  std::string text = fmt::format(", authenticator {}", hexText(*report.authenticator));
+  std::string text = fmt::format(", authenticator {}", hexText(*report.header.authenticator));
   if (report.authenticatorCheck != Check::absent) {
     text += fmt::format(" ({})", checkText(report.authenticatorCheck));
   }
@@ -46,20 +46,23 @@ std::string authenticatorText(const PacketReport& report) {
 /// Of a packet shorter than a header, what there is.
 std::string headerLine(const PacketReport& report) {
   std::string line;
-  if (report.code.has_value()) {
-    line += stringValue(static_cast<RadiusCode::RadiusCodeEnum>(*report.code)).view();
+  if (report.header.code.has_value()) {
+    line += stringValue(static_cast<RadiusCode::RadiusCodeEnum>(*report.header.code)).view();
   }
-  if (report.id.has_value()) {
-    line += fmt::format(", id {}", *report.id);
+  if (report.header.id.has_value()) {
+    line += fmt::format(", id {}", *report.header.id);
   }
-  if (report.length.has_value()) {
-    line += fmt::format(", length {}", *report.length);
+  if (report.header.length.has_value()) {
+    line += fmt::format(", length {}", *report.header.length);
   }
-  if (report.authenticator.has_value()) {
+  if (report.header.authenticator.has_value()) {
     line += authenticatorText(report);
   }
-  line += fmt::format(", {}\n", Verda::escaped(placeText(report)));
-  return line;
+  line += fmt::format(", {}", Verda::escaped(placeText(report.place)));
+  if (report.pairedWith.has_value()) {
+    line += fmt::format(", paired with {}", Verda::escaped(placeText(*report.pairedWith)));
+  }
+  return line + '\n';
 }
 
 struct ValueWriter {

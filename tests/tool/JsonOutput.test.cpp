@@ -17,22 +17,31 @@ using RadiusPktParserTest::StatusServerErrorMsg;
 TEST(JsonOutput, WritesAGoodPacketOnOneLine) {
   PacketReport report = sampleReport();
   report.messageAuthenticatorPresent = true;
-  EXPECT_EQ(jsonOf(report),
-            R"({"source":"file.hex","index":2,"code":2,"codeName":"ACCESS_ACCEPT","id":7,)"
-            R"("length":20,"authenticator":"000102030405060708090a0b0c0d0e0f","error":"success",)"
-            R"("reason":null,"messageAuthenticator":true,"attributes":[]})"
-            "\n");
+  EXPECT_EQ(
+      jsonOf(report),
+      R"({"source":"file.hex","index":2,"code":2,"codeName":"ACCESS_ACCEPT","id":7,)"
+      R"("length":20,"authenticator":"000102030405060708090a0b0c0d0e0f","pairedWith":null,"error":"success",)"
+      R"("reason":null,"messageAuthenticator":true,"attributes":[]})"
+      "\n");
+}
+
+TEST(JsonOutput, SaysWhichRequestAResponseWasPairedWith) {
+  PacketReport report = sampleReport();
+  report.pairedWith = {.source = "\xff", .index = 70000};
+  EXPECT_EQ(nlohmann::ordered_json::parse(jsonOf(report)).at("pairedWith").dump(),
+            R"({"source":"\\xff","index":70000})");
 }
 
 TEST(JsonOutput, WritesTheStatusServerVerdictWhereItIsAskedFor) {
   PacketReport report = sampleReport();
   report.statusServer = StatusServerErrorMsg::msgAuthNotPresent;
-  EXPECT_EQ(jsonOf(report, {.statusServer = true}),
-            R"({"source":"file.hex","index":2,"code":2,"codeName":"ACCESS_ACCEPT","id":7,)"
-            R"("length":20,"authenticator":"000102030405060708090a0b0c0d0e0f","error":"success",)"
-            R"("reason":null,"messageAuthenticator":false,"statusServer":"msgAuthNotPresent",)"
-            R"("attributes":[]})"
-            "\n");
+  EXPECT_EQ(
+      jsonOf(report, {.statusServer = true}),
+      R"({"source":"file.hex","index":2,"code":2,"codeName":"ACCESS_ACCEPT","id":7,)"
+      R"("length":20,"authenticator":"000102030405060708090a0b0c0d0e0f","pairedWith":null,"error":"success",)"
+      R"("reason":null,"messageAuthenticator":false,"statusServer":"msgAuthNotPresent",)"
+      R"("attributes":[]})"
+      "\n");
   const auto notAsked = nlohmann::json::parse(jsonOf(report, {.statusServer = false}));
   EXPECT_FALSE(notAsked.contains("statusServer"));
 }
@@ -44,13 +53,13 @@ TEST(JsonOutput, WritesNullForAStatusServerVerdictThatIsNotThere) {
 
 TEST(JsonOutput, WritesNullForWhatAShortPacketLacks) {
   PacketReport report;
-  report.source = "-";
-  report.index = 1;
+  report.place.source = "-";
+  report.place.index = 1;
   report.error = ErrorMsg::invalidPktLength;
   report.reason = "Packet has invalid length: 0";
   EXPECT_EQ(jsonOf(report),
             R"({"source":"-","index":1,"code":null,"codeName":null,"id":null,"length":null,)"
-            R"("authenticator":null,"error":"invalidPktLength",)"
+            R"("authenticator":null,"pairedWith":null,"error":"invalidPktLength",)"
             R"("reason":"Packet has invalid length: 0","messageAuthenticator":false,)"
             R"("attributes":[]})"
             "\n");
@@ -59,7 +68,7 @@ TEST(JsonOutput, WritesNullForWhatAShortPacketLacks) {
 TEST(JsonOutput, WritesNullForTheErrorOfAPacketThatWasNotDecoded) {
   PacketReport report = sampleReport();
   report.error.reset();
-  report.code = 14;
+  report.header.code = 14;
   const auto json = nlohmann::json::parse(jsonOf(report));
   EXPECT_TRUE(json.at("error").is_null());
   EXPECT_EQ(json.at("codeName"), "RadiusCode(14)");
@@ -106,7 +115,7 @@ TEST(JsonOutput, EscapesTheLineEndsOfUnicode) {
 
 TEST(JsonOutput, IsUtf8WhateverNamesHold) {
   PacketReport report = sampleReport();
-  report.source = "\xff\x1b";
+  report.place.source = "\xff\x1b";
   report.reason = "\xc3";
   report.attributes = {sampleAttribute("\xe2\x82", ShownPlain{""})};
   const auto json = nlohmann::json::parse(jsonOf(report));

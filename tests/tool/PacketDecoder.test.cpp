@@ -40,7 +40,7 @@ PacketReport decoded(const ByteVector& packet, const ByteVector& requestAuthenti
                      const DictPtr& dictionary = shippedDictionary(),
                      const std::string& secretText = testSecret) {
   const Secret secret(secretText);
-  return PacketDecoder(dictionary, secret, verdaBytes(requestAuthenticator)).decode(packet);
+  return PacketDecoder(dictionary, secret).decode(packet, verdaBytes(requestAuthenticator));
 }
 
 std::optional<std::string> optionalText(const std::string& text) {
@@ -80,7 +80,8 @@ TEST(PacketDecoder, GivesEveryValueAsItIsOnTheWire) {
               : attributeBytes(key.attrId, attribute.wire);
       rebuilt.insert(rebuilt.end(), bytes.begin(), bytes.end());
     }
-    const ByteVector withoutPadding(golden.packet.begin(), golden.packet.begin() + *report.length);
+    const ByteVector withoutPadding(golden.packet.begin(),
+                                    golden.packet.begin() + *report.header.length);
     EXPECT_EQ(rebuilt, withoutPadding);
   }
 }
@@ -105,10 +106,10 @@ TEST(PacketDecoder, ReportsWhatAShortPacketHolds) {
   for (const ShortRow& row : rows) {
     SCOPED_TRACE(row.packet.size());
     const PacketReport report = decoded(row.packet);
-    EXPECT_EQ(report.code, row.code);
-    EXPECT_EQ(report.id, row.id);
-    EXPECT_EQ(report.length, row.length);
-    EXPECT_EQ(report.authenticator, std::nullopt);
+    EXPECT_EQ(report.header.code, row.code);
+    EXPECT_EQ(report.header.id, row.id);
+    EXPECT_EQ(report.header.length, row.length);
+    EXPECT_EQ(report.header.authenticator, std::nullopt);
     EXPECT_EQ(report.error, ErrorMsg::invalidPktLength);
     EXPECT_EQ(report.reason, "Packet has invalid length: " + std::to_string(row.packet.size()));
     EXPECT_EQ(report.authenticatorCheck, Check::absent);
@@ -348,10 +349,10 @@ TEST(PacketDecoder, GivesTheLibrarysVerdictOnStatusServerPacketsAlone) {
 
 TEST(PacketDecoder, JudgesEveryPacketAnew) {
   const Secret secret(testSecret);
-  const PacketDecoder decoder(shippedDictionary(), secret, {});
-  EXPECT_EQ(decoder.decode(PacketMaker(statusServer).add(1, {'a'}).make()).statusServer,
+  const PacketDecoder decoder(shippedDictionary(), secret);
+  EXPECT_EQ(decoder.decode(PacketMaker(statusServer).add(1, {'a'}).make(), {}).statusServer,
             StatusServerErrorMsg::invalidAttributePresent);
-  EXPECT_EQ(decoder.decode(PacketMaker(statusServer).make()).statusServer,
+  EXPECT_EQ(decoder.decode(PacketMaker(statusServer).make(), {}).statusServer,
             StatusServerErrorMsg::success);
 }
 

@@ -13,12 +13,12 @@ namespace RadiusPacketTool {
 /// The report of a good packet without attributes.
 inline PacketReport sampleReport() {
   PacketReport report;
-  report.source = "file.hex";
-  report.index = 2;
-  report.code = 2;
-  report.id = 7;
-  report.length = 20;
-  report.authenticator = TestSupport::countingBytes(16);
+  report.place.source = "file.hex";
+  report.place.index = 2;
+  report.header.code = 2;
+  report.header.id = 7;
+  report.header.length = 20;
+  report.header.authenticator = TestSupport::countingBytes(16);
   report.error = RadiusPktParserBase::ErrorMsg::success;
   report.authenticatorCheck = Check::verified;
   return report;

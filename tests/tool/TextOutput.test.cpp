@@ -18,6 +18,14 @@ TEST(TextOutput, BeginsWithAHeaderLine) {
   EXPECT_EQ(textOf(sampleReport()), sampleHeader);
 }
 
+TEST(TextOutput, SaysWhichRequestAResponseWasPairedWith) {
+  PacketReport report = sampleReport();
+  report.pairedWith = {.source = "\x1b.hex", .index = 1};
+  EXPECT_EQ(textOf(report),
+            "ACCESS_ACCEPT, id 7, length 20, authenticator 000102030405060708090a0b0c0d0e0f "
+            "(verified), packet 2 of file.hex, paired with packet 1 of \\x1b.hex\n");
+}
+
 TEST(TextOutput, SaysWhatWasFoundOutAboutTheAuthenticators) {
   PacketReport report = sampleReport();
   report.authenticatorCheck = Check::unchecked;
@@ -34,9 +42,9 @@ TEST(TextOutput, SaysWhatWasFoundOutAboutTheAuthenticators) {
 
 TEST(TextOutput, PrintsTheNumberOfACodeWithoutName) {
   PacketReport report;
-  report.source = "-";
-  report.index = 1;
-  report.code = 14;
+  report.place.source = "-";
+  report.place.index = 1;
+  report.header.code = 14;
   report.error = ErrorMsg::success;
   EXPECT_EQ(textOf(report), "RadiusCode(14), packet 1 of -\n");
 }
@@ -94,7 +102,7 @@ TEST(TextOutput, PrintsNoStatusServerVerdictThatIsNotThereOrNotAskedFor) {
 
 TEST(TextOutput, NamesCannotDriveATerminal) {
   PacketReport report = sampleReport();
-  report.source = "\x1b[2J\xff";
+  report.place.source = "\x1b[2J\xff";
   report.attributes = {sampleAttribute("a\x1b[31m", ShownNumber{})};
   EXPECT_EQ(textOf(report),
             "ACCESS_ACCEPT, id 7, length 20, authenticator 000102030405060708090a0b0c0d0e0f "

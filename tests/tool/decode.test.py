@@ -30,8 +30,8 @@ REQUEST_AUTHENTICATOR = bytes(range(0xA0, 0xB0))
 REQUEST_CODES = (1, 4, 12, 40, 43)
 CHECK_FAILED = ("invalidPktAuth", "invalidMsgAuth", "missingRequiredMsgAuth")
 PACKET_KEYS = [
-    "source", "index", "code", "codeName", "id", "length", "authenticator", "error", "reason",
-    "messageAuthenticator", "attributes",
+    "source", "index", "code", "codeName", "id", "length", "authenticator", "pairedWith", "error",
+    "reason", "messageAuthenticator", "attributes",
 ]
 ATTRIBUTE_KEYS = ["attrId", "vendorId", "vendorAttrId", "name", "type", "tag", "value", "hex"]
 MISSING = "no Request Authenticator: give that of the request which this packet answers with -a HEX"
@@ -819,6 +819,168 @@ class Format(unittest.TestCase):
             for name in ("auto", "binary"):
                 result = decode("--json", "-f", name, empty, good)
                 self.assertEqual((result.status, len(result.objects)), (0, 1))
+
+
+# ---- Pairing ----
+
+
+def identified(content, identifier, request_authenticator=None):
+    """The packet under another Identifier; a response is signed anew."""
+    changed = content[:1] + bytes([identifier]) + content[2:]
+    if request_authenticator is not None:
+        digest = hashlib.md5(changed[:4] + request_authenticator + changed[20:]
+                             + SECRET.encode()).digest()
+        changed = changed[:4] + digest + changed[20:]
+    return changed
+
+
+def answer(code, request, *attributes):
+    """A response that answers the request."""
+    response = packet(code, *attributes, request_authenticator=request[4:20])
+    return identified(response, request[1], request[4:20])
+
+
+ANSWERS = {2: (1, 12), 3: (1,), 11: (1,), 5: (4, 12), 41: (40,), 42: (40,), 44: (43,), 45: (43,)}
+
+
+class Pairing(unittest.TestCase):
+    def reports(self, *packets, arguments=()):
+        return decode("--json", *arguments, stdin="\n\n".join(p.hex() for p in packets)).objects
+
+    def paired(self, *packets):
+        """The number of the request that the last packet was paired with, or None."""
+        pair = self.reports(*packets)[-1]["pairedWith"]
+        return pair and pair["index"]
+
+    def test_response_is_verified_with_the_request_in_front_of_it(self):
+        request = packet(1, attribute(1, b"alice"))
+        response = answer(2, request, attribute(69, b"\1" + hidden(b"\3key", b"\x80\1",
+                                                                  request[4:20])))
+        result = decode(stdin=f"{request.hex()}\n\n{response.hex()}")
+        self.assertEqual((result.status, result.errors), (0, ""))
+        self.assertEqual(result.text.splitlines()[3:],
+                         [f"ACCESS_ACCEPT, id 7, length {len(response)}, authenticator "
+                          f"{response[4:20].hex()} (verified), packet 2 of -, paired with packet 1 "
+                          "of -", 'Tunnel-Password:1 = "key"'])
+
+    def test_every_code_is_paired_with_the_requests_that_it_can_answer(self):
+        # An Identifier for each code of request keeps the pairs apart.
+        pairs = [(code, identified(packet(request_code), request_code))
+                 for code in range(256) if code not in REQUEST_CODES
+                 for request_code in REQUEST_CODES]
+        reports = self.reports(*(p for code, request in pairs
+                                 for p in (request, answer(code, request))))
+        for at, (code, request) in enumerate(pairs):
+            with self.subTest(code=code, request=request[0]):
+                report = reports[2 * at + 1]
+                if request[0] in ANSWERS.get(code, ()):
+                    self.assertEqual(report["pairedWith"], {"source": "-", "index": 2 * at + 1})
+                    self.assertEqual(report["error"], "success")
+                else:
+                    self.assertEqual((report["pairedWith"], report["reason"]), (None, MISSING))
+
+    def test_nearest_earlier_request_of_the_same_identifier_is_taken(self):
+        first, second = packet(4, attribute(44, b"1")), packet(4, attribute(44, b"2"))
+        other = identified(packet(1), 8)
+        self.assertEqual(self.paired(first, second, answer(5, second)), 2)
+        self.assertEqual(self.paired(first, other, answer(5, first)), 1)
+        self.assertEqual(self.paired(second, first, second, answer(5, second)), 3)
+        self.assertEqual(self.paired(first, answer(5, first), answer(5, first)), 1)
+        self.assertEqual(self.paired(answer(5, first)), None)
+        (early, _) = self.reports(answer(5, first), first)
+        self.assertEqual((early["pairedWith"], early["reason"]), (None, MISSING))
+
+    def test_nearest_counts_among_all_codes_that_can_be_answered(self):
+        status, access, accounting = packet(12), packet(1), packet(4)
+        self.assertEqual(self.paired(access, status, accounting, answer(2, status)), 2)
+        self.assertEqual(self.paired(status, access, accounting, answer(2, access)), 2)
+        self.assertEqual(self.paired(access, status, accounting, answer(5, accounting)), 3)
+        self.assertEqual(self.paired(access, status, accounting, answer(3, access)), 1)
+
+    def test_wrong_answer_fails_the_check(self):
+        first, second = packet(4, attribute(44, b"1")), packet(4, attribute(44, b"2"))
+        report = self.reports(first, second, answer(5, first))[2]
+        self.assertEqual((report["error"], report["pairedWith"]["index"]), ("invalidPktAuth", 2))
+
+    def test_refused_request_is_answered_all_the_same(self):
+        broken = packet(1, b"\1")
+        forged = packet(4)[:4] + bytes(16)
+        truncated = packet(1, attribute(1, b"alice"))[:20]
+        for code, request, error in ((2, broken, "invalidAttrLength"),
+                                     (5, forged, "invalidPktAuth"),
+                                     (2, truncated, "invalidPktLength")):
+            with self.subTest(error):
+                refused, response = self.reports(request, answer(code, request))
+                self.assertEqual(refused["error"], error)
+                self.assertEqual((response["error"], response["pairedWith"]["index"]),
+                                 ("success", 1))
+
+    def test_request_without_a_whole_header_is_none(self):
+        request = packet(1)
+        for size in range(1, 20):
+            with self.subTest(size):
+                self.assertIsNone(self.paired(request[:size], answer(2, request)))
+
+    def test_runs_across_files_in_their_order(self):
+        request = packet(1)
+        with tempfile.TemporaryDirectory() as folder:
+            paths = [pathlib.Path(folder) / name for name in ("request", "answer")]
+            paths[0].write_bytes(request)
+            paths[1].write_text(answer(2, request).hex())
+            result = decode("--json", *paths)
+            self.assertEqual(result.status, 0)
+            self.assertEqual(result.objects[1]["pairedWith"],
+                             {"source": str(paths[0]), "index": 1})
+            self.assertEqual(decode("--json", *reversed(paths)).objects[0]["reason"], MISSING)
+            piped = decode("--json", paths[0], "-", stdin=answer(2, request).hex())
+            self.assertEqual(piped.objects[1]["pairedWith"], {"source": str(paths[0]), "index": 1})
+
+    def test_a_given_authenticator_beats_it(self):
+        request = packet(1)
+        report = self.reports(request, answer(2, request), arguments=A_OPTION)[1]
+        self.assertEqual((report["error"], report["pairedWith"]), ("invalidPktAuth", None))
+        report = self.reports(request, packet(2), arguments=A_OPTION)[1]
+        self.assertEqual((report["error"], report["pairedWith"]), ("success", None))
+
+    def test_requests_are_paired_with_nothing(self):
+        for report in self.reports(*[packet(code) for code in REQUEST_CODES * 2]):
+            self.assertEqual((report["error"], report["pairedWith"]), ("success", None))
+
+
+class SpoofedAnswers(unittest.TestCase):
+    """An agent's peer may be anybody: packets of any code arrive where an answer should."""
+
+    REQUEST = Golden(DATA / "packets" / "rfc2865-7.1-access-request.txt")
+    ANSWER = Golden(DATA / "packets" / "rfc2865-7.1-access-accept.txt")
+    # What an Access-Accept is under another code: codes 1 and 12 claim nothing that can be checked.
+    STATUS = {1: 0, 12: 0, 4: 1, 40: 1, 43: 1, 6: 1, 99: 1}
+
+    def decode(self, code, given, request_in_front):
+        packets = [self.REQUEST.packet] if request_in_front else []
+        packets.append(bytes([code]) + self.ANSWER.packet[1:])
+        arguments = ("-a", self.ANSWER.request_authenticator) if given else ()
+        return decode("--json", *arguments, stdin="\n\n".join(p.hex() for p in packets),
+                      secret=bytes.fromhex(self.ANSWER.secret).decode())
+
+    def test_never_reach_an_assertion(self):
+        for code, status in self.STATUS.items():
+            for given in (False, True):
+                for request_in_front in (False, True):
+                    with self.subTest(code=code, given=given, request_in_front=request_in_front):
+                        result = self.decode(code, given, request_in_front)
+                        self.assertEqual(result.status, status)
+                        self.assertNotIn("assertion", result.errors.lower())
+                        self.check(result.objects[-1], code, given)
+
+    def check(self, report, code, given):
+        """A code of a request is taken at its word; every other one answers nothing."""
+        self.assertEqual((report["code"], report["pairedWith"]), (code, None))
+        if self.STATUS[code] == 0:
+            self.assertEqual((report["error"], report["reason"]), ("success", None))
+        elif code in REQUEST_CODES or given:
+            self.assertEqual(report["error"], "invalidPktAuth")
+        else:
+            self.assertEqual((report["error"], report["reason"]), (None, MISSING))
 
 
 # ---- Output ----

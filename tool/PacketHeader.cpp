@@ -1,0 +1,34 @@
+#include "tool/PacketHeader.h"
+
+#include "Zonet/WireReader.h"
+
+#include "RadiusPacketParser/RadiusPacketConstants.h"
+
+namespace RadiusPacketTool {
+
+using RadiusPacketParser::PacketConstants;
+using Verda::U16;
+using Verda::U8;
+
+PacketHeader headerOf(std::span<const U8> packet) {
+  PacketHeader header;
+  Zonet::WireReader reader(packet);
+  U8 byte = 0;
+  U16 length = 0;
+  std::span<const U8> authenticator;
+  if (reader.read(byte)) {
+    header.code = byte;
+  }
+  if (reader.read(byte)) {
+    header.id = byte;
+  }
+  if (reader.read(length)) {
+    header.length = length;
+  }
+  if (reader.read(PacketConstants::authLength(), authenticator)) {
+    header.authenticator.emplace(authenticator.begin(), authenticator.end());
+  }
+  return header;
+}
+
+}  // namespace RadiusPacketTool

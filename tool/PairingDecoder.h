@@ -1,0 +1,32 @@
+#pragma once
+
+#include <span>
+
+#include "Verda/Bytes.h"
+#include "Verda/Types.h"
+
+#include "tool/EarlierRequests.h"
+#include "tool/PacketDecoder.h"
+#include "tool/PacketReport.h"
+
+namespace RadiusPacketTool {
+
+/// Decodes packets in their order, each response with the authenticator of the request that it
+/// answers.
+class PairingDecoder {
+ public:
+  /// `decoder` must outlive the object.
+  /// @param given  the Request Authenticator for all responses, 16 bytes; when it is empty, each is
+  ///               paired with a request in front of it
+  PairingDecoder(const PacketDecoder& decoder, const Verda::Bytes& given);
+
+  /// Decodes the next packet, whatever its bytes.
+  PacketReport decode(const PacketPlace& place, std::span<const Verda::U8> packet);
+
+ private:
+  const PacketDecoder& decoder_;
+  Verda::Bytes given_;
+  EarlierRequests requests_;
+};
+
+}  // namespace RadiusPacketTool
