@@ -406,6 +406,15 @@ String includedPath(const String& directory, const Tokens& tokens) {
   return path;
 }
 
+/// Calls `apply` with the path of each file that the top file at `path` includes.
+template <typename Apply>
+void eachIncludedFile(const String& directory, const String& path, Apply apply) {
+  DictionaryFile file(path);
+  while (file.next()) {
+    apply(includedPath(directory, file.tokens()));
+  }
+}
+
 }  // namespace
 
 void removeComments(std::string& line) {
@@ -414,10 +423,9 @@ void removeComments(std::string& line) {
 
 void parseDictionary(const Ptr<RadiusDict>& dictionary, const Ptr<VendorMap>& vendorMap,
                      const String& directory, const String& path) {
-  DictionaryFile file(path);
-  while (file.next()) {
-    dictionaryParsingHelper(includedPath(directory, file.tokens()), dictionary, vendorMap);
-  }
+  eachIncludedFile(directory, path, [&](const String& included) {
+    dictionaryParsingHelper(included, dictionary, vendorMap);
+  });
 }
 
 void dictionaryParsingHelper(const String& path, const Ptr<RadiusDict>& dictionary,
@@ -512,6 +520,9 @@ void RadiusDictionaryParser::handleInitialized() {
   const Ptr<RadiusDict> dictionary = dictionaryIs();
   const Ptr<VendorMap> vendorMap = vendorMapIs();
   populateVendorMap(vendorMap, directory, path_);
+  includedFilesPopAll();
+  eachIncludedFile(directory, path_,
+                   [this](const String& included) { includedFilesPush(included); });
   parseDictionary(dictionary, vendorMap, directory, path_);
 }
 

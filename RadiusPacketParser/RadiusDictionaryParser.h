@@ -178,6 +178,8 @@ class VERDA_EXPORT RadiusDictionaryParser : public Verda::Node {
   TYL_ENTITY_ATTRIBUTE(RadiusDict, dictionary)
   /// The vendors that the included files declare.
   TYL_ENTITY_ATTRIBUTE(VendorMap, vendorMap)
+  /// The paths of the files that the top file includes, in the order of its lines.
+  TYL_SEQUENCE(Verda::String, includedFiles)
 
   /// Loads the files into `dictionary` and `vendorMap`; the constructor runs it. Run again, it
   /// parses them into the same dictionary once more.

@@ -85,6 +85,21 @@ TEST_F(DictionaryLoader, LooksUpIncludedFilesBesideTheTopFile) {
   EXPECT_EQ(loader->dictionary()->vendorAttribute(4242)->path(), pathOf("dictionary.acme"));
 }
 
+TEST_F(DictionaryLoader, NamesTheIncludedFilesInTheirOrder) {
+  using Files = std::vector<Verda::String>;
+  writeSet();
+  write("empty", "");
+  ASSERT_EQ(loadTop("$INCLUDE dictionary.rfc\n# $INCLUDE none\n\n"
+                    "$INCLUDE empty words # behind\n$INCLUDE dictionary.rfc\n"),
+            quiet);
+  const Files expected{pathOf("dictionary.rfc"), pathOf("empty"), pathOf("dictionary.rfc")};
+  EXPECT_EQ(loader->includedFiles(), expected);
+  loader->handleInitialized();
+  EXPECT_EQ(loader->includedFiles(), expected);
+  ASSERT_EQ(loadTop(""), quiet);
+  EXPECT_EQ(loader->includedFiles(), Files{});
+}
+
 TEST_F(DictionaryLoader, PathWithoutSlashOpensIncludedFilesByBareName) {
   writeSet();
   const WorkingDirectory inside(directory());

@@ -6,6 +6,13 @@
 
 namespace RadiusPacketTool {
 
+/// Adds a word in front of commands of their own, such as `dictionary` in front of `check`.
+inline CLI::App& addCommandGroup(CLI::App& program, const char* name, const char* description) {
+  CLI::App& group = *program.add_subcommand(name, description);
+  group.require_subcommand(1);
+  return group;
+}
+
 /// One command of the program. Making one adds it, with its options, to the command line.
 class Command {
  public:
@@ -20,8 +27,9 @@ class Command {
   virtual ExitCode run() = 0;
 
  protected:
-  Command(CLI::App& program, const char* name, const char* description)
-      : app_(*program.add_subcommand(name, description)) {}
+  /// @param parent  the program, or the group that the command belongs to
+  Command(CLI::App& parent, const char* name, const char* description)
+      : app_(*parent.add_subcommand(name, description)) {}
 
   CLI::App& app() { return app_; }
 

@@ -10,6 +10,7 @@
 #include <CLI/CLI.hpp>
 
 #include "tool/DecodeCommand.h"
+#include "tool/DictionaryCheckCommand.h"
 #include "tool/StandardStreams.h"
 #include "tool/ToolError.h"
 
@@ -91,7 +92,9 @@ ExitCode run(std::span<const char* const> arguments) {
   program.require_subcommand(1);
   program.failure_message(CLI::FailureMessage::simple);
   DecodeCommand decode(program);
-  const std::array<Command*, 1> commands{&decode};
+  CLI::App& dictionaryCommands = addCommandGroup(program, "dictionary", "Looks into dictionaries");
+  DictionaryCheckCommand dictionaryCheck(dictionaryCommands);
+  const auto commands = std::to_array<Command*>({&decode, &dictionaryCheck});
   try {
     program.parse(parserArguments(arguments));
   } catch (const CLI::ParseError& end) {

@@ -124,9 +124,9 @@ ExitCode DecodeCommand::run() {
   const Verda::Bytes given = givenAuthenticator();
   checkStandardInput();
   const Secret secret = secret_.secret();
-  const auto dictionary = loadDictionary(dictionaryPath_);
+  const LoadedDictionary loaded = loadDictionary(dictionaryPath_);
   const std::vector<PacketSource> sources = readPackets(files_, *formatFind(format_));
-  const PacketDecoder decoder(dictionary, secret);
+  const PacketDecoder decoder(loaded.loader->dictionary(), secret);
   PairingDecoder pairing(decoder, given);
   ReportPrinter printer(json_, outputOptions_);
   for (const PacketSource& source : sources) {

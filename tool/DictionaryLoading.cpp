@@ -3,12 +3,14 @@
 #include <filesystem>
 #include <string_view>
 #include <system_error>
+#include <utility>
 
 #include <fmt/format.h>
 
 #include "Verda/Assert.h"
 
 #include "tool/ToolError.h"
+#include "tool/WarningCount.h"
 
 namespace RadiusPacketTool {
 namespace {
@@ -48,10 +50,12 @@ std::string defaultDictionaryPath() {
   return (program.parent_path() / DICTIONARY_FROM_PROGRAM).lexically_normal().string();
 }
 
-Verda::Ptr<const RadiusPacketParser::RadiusDict> loadDictionary(const std::string& path) {
+LoadedDictionary loadDictionary(const std::string& path) {
   const AssertionsThrow assertionsThrow;
+  const WarningCount warnings;
   try {
-    return RadiusPacketParser::radiusDictionaryParserFactory(Verda::String(path))->dictionary();
+    auto loader = RadiusPacketParser::radiusDictionaryParserFactory(Verda::String(path));
+    return {.loader = std::move(loader), .warnings = warnings.count()};
   } catch (const FailedAssertion& failure) {
     throw ToolError(ExitCode::dictionary, fmt::format("the dictionary {} does not load{}", path,
                                                       explanation(failure.text)));

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <string>
 
 #include "Verda/Ptr.h"
@@ -12,8 +13,14 @@ namespace RadiusPacketTool {
 /// program itself stands, so that an installation may be moved.
 std::string defaultDictionaryPath();
 
+/// A whole dictionary, and how it went.
+struct LoadedDictionary {
+  Verda::Ptr<const RadiusPacketParser::RadiusDictionaryParser> loader;
+  std::size_t warnings = 0;  ///< how many lines of trace the loader wrote
+};
+
 /// Loads a dictionary. The library's warnings and errors go to standard error. Throws `ToolError`
 /// where the library would end the process.
-Verda::Ptr<const RadiusPacketParser::RadiusDict> loadDictionary(const std::string& path);
+LoadedDictionary loadDictionary(const std::string& path);
 
 }  // namespace RadiusPacketTool

@@ -303,7 +303,8 @@ class PublishedPackets(unittest.TestCase):
 
 class Usage(unittest.TestCase):
     def test_help_and_version_are_no_errors(self):
-        for arguments in (["--help"], ["-h"], ["decode", "--help"], ["--version"]):
+        for arguments in (["--help"], ["-h"], ["decode", "--help"], ["dictionary", "--help"],
+                          ["dictionary", "check", "--help"], ["--version"]):
             with self.subTest(arguments):
                 result = run(*arguments)
                 self.assertEqual((result.status, result.errors), (0, ""))
@@ -340,7 +341,7 @@ class Usage(unittest.TestCase):
 
     def test_a_file_may_be_called_like_a_command(self):
         with tempfile.TemporaryDirectory() as folder:
-            for name in ("decode", "check"):
+            for name in ("decode", "dictionary", "check"):
                 with self.subTest(name):
                     (pathlib.Path(folder) / name).write_text(GOOD_REQUEST.hex())
                     self.assertEqual(decode(name, cwd=folder).status, 0)
