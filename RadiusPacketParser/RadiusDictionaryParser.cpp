@@ -48,6 +48,9 @@ bool isAllDigits(std::string_view text) {
 /// The words of a line. Those that any kind of line has a use for are kept, all are counted.
 class Tokens {
  public:
+  /// The most that any kind of line has a use for: keyword, name, number, type and flags.
+  static constexpr std::size_t kept = 5;
+
   explicit Tokens(std::string_view line = {}) {
     for (auto rest = wordOnwards(line.begin(), line.end()); rest != line.end();) {
       const auto end = std::find_if(rest, line.end(), isWhiteSpace);
@@ -72,7 +75,7 @@ class Tokens {
     return std::find_if_not(from, end, isWhiteSpace);
   }
 
-  std::array<std::string_view, 5> kept_;
+  std::array<std::string_view, kept> kept_;
   std::size_t count_ = 0;
 };
 
@@ -197,6 +200,9 @@ bool typeFromWord(RadiusNode& entry, std::string_view word) {
 
 constexpr std::string_view encryptFlag = "encrypt=";
 
+/// How many flags a line has a use for; more are taken, with a warning.
+constexpr std::size_t usefulFlags = 2;
+
 /// Calls `apply` with each piece between commas; a comma at the end begins no piece. Returns how
 /// many there were.
 template <typename Apply>
@@ -246,7 +252,7 @@ void parseStandardFlags(const Place& place, AttributeNode& entry, std::string_vi
         break;
     }
   });
-  if (count >= 3) {
+  if (count > usefulFlags) {
     TRACE_PROBLEM(place, " More than 2 Flags ");
   }
 }
@@ -267,7 +273,7 @@ void parseVendorFlags(const Place& place, VendorNode& entry, std::string_view fl
         break;
     }
   });
-  if (count >= 3) {
+  if (count > usefulFlags) {
     TRACE_PROBLEM(place, " More than 2 flags ");
   }
 }
@@ -521,9 +527,10 @@ void RadiusDictionaryParser::handleInitialized() {
   const Ptr<VendorMap> vendorMap = vendorMapIs();
   populateVendorMap(vendorMap, directory, path_);
   includedFilesPopAll();
-  eachIncludedFile(directory, path_,
-                   [this](const String& included) { includedFilesPush(included); });
-  parseDictionary(dictionary, vendorMap, directory, path_);
+  eachIncludedFile(directory, path_, [&](const String& included) {
+    includedFilesPush(included);
+    dictionaryParsingHelper(included, dictionary, vendorMap);
+  });
 }
 
 }  // namespace RadiusPacketParser

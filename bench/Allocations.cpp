@@ -1,5 +1,6 @@
 #include "bench/Allocations.h"
 
+#include <cerrno>
 #include <cstddef>
 
 // glibc's own names for what is counted here.
@@ -35,9 +36,18 @@ void* realloc(void* block, std::size_t size) {
   return __libc_realloc(block, size);
 }
 
-void* aligned_alloc(std::size_t alignment, std::size_t size) {
+void* memalign(std::size_t alignment, std::size_t size) {
   ++count;
   return __libc_memalign(alignment, size);
+}
+
+void* aligned_alloc(std::size_t alignment, std::size_t size) {
+  return memalign(alignment, size);
+}
+
+int posix_memalign(void** block, std::size_t alignment, std::size_t size) {
+  *block = memalign(alignment, size);
+  return *block == nullptr ? ENOMEM : 0;
 }
 
 }  // extern "C"

@@ -19,7 +19,8 @@ struct BenchPacket {
 /// The secret of all of them.
 extern const std::string secret;
 
-/// The packets of `data/packets.txt`, read once. Ends the process when the file is not as expected.
+/// The packets of `tests/data/vectors/bench_packets.txt`, read once. Ends the process when the file
+/// is not as expected.
 const std::vector<BenchPacket>& benchPackets();
 
 }  // namespace Bench

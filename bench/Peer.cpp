@@ -18,8 +18,8 @@ bool resolve(void* library, const char* name, Function*& function) {
 }  // namespace
 
 std::optional<Peer> Peer::open() {
-  // The peer's names stay its own, and it finds its own first.
-  void* library = dlopen(PEER_SHIM, RTLD_NOW | RTLD_LOCAL | RTLD_DEEPBIND);
+  // The peer's names stay its own; the heap is that of all, so that its blocks are counted.
+  void* library = dlopen(PEER_SHIM, RTLD_NOW | RTLD_LOCAL);
   if (library == nullptr) {
     std::cerr << "Without the peer: " << dlerror() << '\n';
     return std::nullopt;

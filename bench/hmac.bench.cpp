@@ -24,7 +24,9 @@ void oneShot(benchmark::State& state, const BenchPacket& packet) {
   Digest digest;
   Verda::U32 length = 0;
   for ([[maybe_unused]] auto _ : state) {
-    benchmark::DoNotOptimize(ZoCrypto::hmacMd5(key(), packet.bytes, digest, length));
+    if (!ZoCrypto::hmacMd5(key(), packet.bytes, digest, length)) {
+      state.SkipWithError("no digest");
+    }
   }
 }
 
@@ -40,7 +42,9 @@ void keptContext(benchmark::State& state, const BenchPacket& packet) {
   for ([[maybe_unused]] auto _ : state) {
     HMAC_Init_ex(context, key().data(), static_cast<int>(key().size()), EVP_md5(), nullptr);
     HMAC_Update(context, packet.bytes.data(), packet.bytes.size());
-    benchmark::DoNotOptimize(HMAC_Final(context, digest.data(), &length));
+    if (HMAC_Final(context, digest.data(), &length) != 1) {
+      state.SkipWithError("no digest");
+    }
   }
   HMAC_CTX_free(context);
 }

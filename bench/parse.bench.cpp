@@ -15,22 +15,6 @@ namespace {
 
 using RadiusPktParserBase::ErrorMsg;
 
-/// Counts the heap blocks of a benchmark's loop and shows them per round.
-class CountAllocations {
- public:
-  explicit CountAllocations(benchmark::State& state) : state_(state), before_(allocations()) {}
-  CountAllocations(const CountAllocations&) = delete;
-  CountAllocations& operator=(const CountAllocations&) = delete;
-  ~CountAllocations() {
-    state_.counters["allocations"] = benchmark::Counter(
-        static_cast<double>(allocations() - before_), benchmark::Counter::kAvgIterations);
-  }
-
- private:
-  benchmark::State& state_;
-  std::uint64_t before_;
-};
-
 /// Verifies and decodes on `parser`, with a new sink for each packet.
 template <typename MakeSink>
 void parse(benchmark::State& state, const BenchPacket& packet,
@@ -54,7 +38,7 @@ void parseOurs(benchmark::State& state, const BenchPacket& packet, const Diction
   parse(state, packet, *parser, [&kept] { return Verda::Ptr<KeepingSink>(new KeepingSink(kept)); });
 }
 
-/// The agent looks at each value and keeps none.
+/// The agent keeps none of the values that it is handed.
 void parseOursUnkept(benchmark::State& state, const BenchPacket& packet,
                      const Dictionary& dictionary) {
   const auto parser = RadiusPktParserBase::radiusPktParserFactory(dictionary);

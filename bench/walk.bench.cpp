@@ -1,10 +1,10 @@
 #include <algorithm>
-#include <memory>
 #include <span>
 #include <vector>
 
 #include <benchmark/benchmark.h>
 
+#include "bench/Allocations.h"
 #include "bench/BenchPackets.h"
 #include "bench/Benchmarks.h"
 
@@ -44,6 +44,7 @@ void walk(benchmark::State& state, const Dictionary& dictionary) {
   const auto pkt = Zonet::pktFactory(std::span(bytes));
   const auto sink = RadiusPktParserBase::pktInfoParserFactory();
   const Verda::String sharedSecret(secret);
+  const CountAllocations count(state);
   for ([[maybe_unused]] auto _ : state) {
     if (parser->doProcessPkt(pkt, sharedSecret, {}, sink) != ErrorMsg::success) {
       state.SkipWithError("refused");
@@ -52,28 +53,10 @@ void walk(benchmark::State& state, const Dictionary& dictionary) {
   state.counters["attributes"] = static_cast<double>(attributeCount(bytes));
 }
 
-/// What the values' own allocations of that walk cost: the same number of blocks of the same sizes.
-void allocate(benchmark::State& state) {
-  const std::vector<Verda::U8> bytes = packetWithoutDigests();
-  std::vector<std::size_t> sizes;
-  AttributeCursor cursor(
-      std::span<const Verda::U8>(bytes).subspan(PacketConstants::headerLength()));
-  while (cursor.next() == AttributeCursor::Step::attribute) {
-    sizes.push_back(cursor.length());
-  }
-  std::erase_if(sizes, [](std::size_t size) { return size <= Verda::ByteStore::inlineCapacity; });
-  for ([[maybe_unused]] auto _ : state) {
-    for (const std::size_t size : sizes) {
-      benchmark::DoNotOptimize(std::make_unique<Verda::U8[]>(size));
-    }
-  }
-}
-
 }  // namespace
 
 void registerWalk(const Dictionary& dictionary) {
   benchmark::RegisterBenchmark("walk/ours/p3", walk, dictionary);
-  benchmark::RegisterBenchmark("walk/floor/p3", allocate);
 }
 
 }  // namespace Bench

@@ -1,6 +1,7 @@
 // Feeds any bytes to the dictionary's parsers, as an included file and as a top file. Whatever they
 // are: no fault of memory, and no way out but the assertions that a broken dictionary has.
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <cstdlib>
@@ -37,7 +38,8 @@ class MemoryFile {
   MemoryFile& operator=(const MemoryFile&) = delete;
   ~MemoryFile() { close(descriptor_); }
 
-  Verda::String path() const { return "/proc/self/fd/" + std::to_string(descriptor_); }
+  std::string name() const { return std::to_string(descriptor_); }
+  Verda::String path() const { return "/proc/self/fd/" + name(); }
 
  private:
   int descriptor_;
@@ -59,6 +61,21 @@ void unlessBroken(Operation operation) {
   }
 }
 
+/// Loads a top file of those lines. One that would include another file includes `included`
+/// instead, so that no file but these two is ever opened.
+void loadAsTopFile(std::string_view lines, const MemoryFile& included) {
+  std::string top;
+  while (!lines.empty()) {
+    const std::string_view line = lines.substr(0, lines.find('\n'));
+    lines.remove_prefix(std::min(line.size() + 1, lines.size()));
+    const bool includes = line.find("$INCLUDE") != std::string_view::npos;
+    top += includes ? "$INCLUDE " + included.name() : std::string(line);
+    top += '\n';
+  }
+  const MemoryFile file(top.data(), top.size());
+  unlessBroken([&] { radiusDictionaryParserFactory(file.path()); });
+}
+
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
@@ -73,5 +90,6 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   unlessBroken([&] { dictionaryParsingHelper(file.path(), dictionary, vendorMap); });
   unlessBroken([&] { vendorAttributeParsingHelper(file.path(), dictionary, vendorMap); });
   unlessBroken([&] { populateVendorMap(vendorMap, "/dev/fd/none/", file.path()); });
+  loadAsTopFile({reinterpret_cast<const char*>(data), size}, file);
   return 0;
 }
