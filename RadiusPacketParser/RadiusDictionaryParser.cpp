@@ -2,10 +2,12 @@
 
 #include <algorithm>
 #include <array>
+#include <filesystem>
 #include <fstream>
 #include <limits>
 #include <optional>
 #include <string_view>
+#include <system_error>
 
 #include "Verda/Assert.h"
 #include "Verda/Trace.h"
@@ -80,12 +82,17 @@ class Tokens {
 };
 
 /// Reads the lines of one dictionary file. What cannot be read fails the assertion
-/// "file.is_open()": at construction, or, like a directory, which opens, at the first line.
+/// "file.is_open()", and so does all that is no regular file: a pipe would be empty when it is read
+/// for the second time, and a device may never end.
 class DictionaryFile {
  public:
-  explicit DictionaryFile(const String& path) : file_(path.cStr()) {
+  explicit DictionaryFile(const String& path) {
+    std::error_code ignored;
     const bool pathHasNul = path.viewToNul().size() != path.size();
-    VERDA_ASSERT_TEXT(!pathHasNul && file_.is_open(), "file.is_open()");
+    if (!pathHasNul && std::filesystem::is_regular_file(path.cStr(), ignored)) {
+      file_.open(path.cStr());
+    }
+    VERDA_ASSERT_TEXT(file_.is_open(), "file.is_open()");
   }
 
   /// Goes to the next line that has tokens behind its comment's removal. Returns false at the end.

@@ -2,6 +2,7 @@
 
 #include <filesystem>
 #include <string>
+#include <sys/stat.h>
 #include <unistd.h>
 #include <vector>
 
@@ -261,6 +262,17 @@ TEST_F(HostileDictionary, DirectoryInsteadOfAFileCannotBeOpened) {
   EXPECT_EQ(
       outcomeOf([&] { vendorAttributeParsingHelper(pathOf("folder"), dictionary, vendorMap); }),
       notOpen);
+}
+
+TEST_F(HostileDictionary, PipeOrDeviceInsteadOfAFileCannotBeOpened) {
+  ASSERT_EQ(mkfifo(pathOf("pipe").c_str(), S_IRUSR | S_IWUSR), 0);
+  for (const std::string& path : {pathOf("pipe"), std::string("/dev/zero")}) {
+    SCOPED_TRACE(path);
+    EXPECT_EQ(outcomeOf([&] { radiusDictionaryParserFactory(path); }), notOpen);
+    EXPECT_EQ(parse(path), notOpen);
+    EXPECT_EQ(outcomeOf([&] { updateMap(vendorMap, path); }), notOpen);
+  }
+  EXPECT_EQ(load("$INCLUDE pipe\n"), notOpen);
 }
 
 TEST_F(HostileDictionary, FileThatOpensButCannotBeReadCannotBeOpened) {

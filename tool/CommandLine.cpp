@@ -11,6 +11,7 @@
 
 #include "tool/DecodeCommand.h"
 #include "tool/DictionaryCheckCommand.h"
+#include "tool/InputFile.h"
 #include "tool/StandardStreams.h"
 #include "tool/ToolError.h"
 
@@ -27,24 +28,33 @@ bool hasEmptyValue(std::string_view argument) {
   return argument.starts_with("--") && argument.find('=') + 1 == argument.size();
 }
 
+/// Whether the parser would take the name of a file for something else: a list of two, the end of a
+/// command, or, behind `--`, which it knows only in front of all names, an option.
+bool isMistakenName(std::string_view argument, bool optionsEnded) {
+  const bool isList = argument.starts_with('[') && argument.ends_with(']');
+  const bool isOption = argument.starts_with('-') && argument != standardInputName;
+  return isList || argument == "++" || (optionsEnded && isOption);
+}
+
 /// The arguments as the parser wants them, last one first. `--secret=` becomes the option and an
-/// empty value, for the parser would take the next argument as the value. `[a,b]` becomes
-/// `./[a,b]`, the same file, for the parser would take it for a list of two.
+/// empty value, for the parser would take the next argument as the value. Mistaken names become
+/// those of the same file in the folder `.`.
 std::vector<std::string> parserArguments(std::span<const char* const> arguments) {
   std::vector<std::string> result;
   bool optionsEnded = false;
   bool secretFollows = false;
   for (const std::string_view argument : arguments) {
     const bool isSecret = std::exchange(secretFollows, false);
-    optionsEnded = optionsEnded || (!isSecret && argument == "--");
-    if (isSecret) {
+    if (!isSecret && !optionsEnded && argument == "--") {
+      optionsEnded = true;
+    } else if (isSecret) {
       result.emplace_back(argument);
     } else if (!optionsEnded && argument == emptySecret) {
       result.emplace_back(secretOption);
       result.emplace_back();
     } else if (!optionsEnded && hasEmptyValue(argument)) {
       throw CLI::ArgumentMismatch("no option but --secret takes an empty value behind =");
-    } else if (argument.starts_with('[') && argument.ends_with(']')) {
+    } else if (isMistakenName(argument, optionsEnded)) {
       result.emplace_back("./").append(argument);
     } else {
       secretFollows = !optionsEnded && argument == secretOption;

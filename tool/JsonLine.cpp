@@ -18,9 +18,15 @@ void escapeLineSeparators(std::string& json) {
   constexpr std::array<std::pair<std::string_view, std::string_view>, 2> escapes{
       {{lineSeparator, "\\u2028"}, {paragraphSeparator, "\\u2029"}}};
   for (const auto& [separator, escape] : escapes) {
+    std::string escaped;
+    std::size_t from = 0;
     for (std::size_t at = json.find(separator); at != std::string::npos;
-         at = json.find(separator, at)) {
-      json.replace(at, separator.size(), escape);
+         at = json.find(separator, from)) {
+      escaped.append(json, from, at - from).append(escape);
+      from = at + separator.size();
+    }
+    if (from > 0) {
+      json = escaped.append(json, from);
     }
   }
 }

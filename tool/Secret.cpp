@@ -6,16 +6,22 @@
 #include <span>
 #include <vector>
 
+#include <fmt/format.h>
+
 #include "Verda/Types.h"
 #include "ZoCrypto/Cleanse.h"
 
 #include "tool/InputFile.h"
+#include "tool/ToolError.h"
 
 namespace RadiusPacketTool {
 
 using Verda::U8;
 
 namespace {
+
+/// Nobody's secret; a file that never ends.
+constexpr std::size_t maxSecretFile = 65536;
 
 /// Overwrites what a container gives back: a vector that grows leaves no copy behind.
 template <typename T>
@@ -58,6 +64,10 @@ Secret readSecretFile(const std::string& path) {
   const InputFile file(path);
   while (const std::size_t count = file.read(buffer)) {
     content.insert(content.end(), buffer.begin(), buffer.begin() + count);
+    if (content.size() > maxSecretFile) {
+      throw ToolError(ExitCode::noInput,
+                      fmt::format("the file of the secret is longer than {} bytes", maxSecretFile));
+    }
   }
   return Secret(withoutNewline(
       std::string_view(reinterpret_cast<const char*>(content.data()), content.size())));

@@ -47,6 +47,17 @@ TEST(Secret, IsTheFileWithoutOneNewline) {
   }
 }
 
+TEST(Secret, FileIsOfAtMost64KiB) {
+  const TestSupport::TemporaryFolder folder;
+  const std::string longest = folder.write("longest", std::string(65536, 's'));
+  EXPECT_EQ(readSecretFile(longest).text().size(), 65536U);
+  for (const std::string& path :
+       {folder.write("longer", std::string(65537, 's')), std::string("/dev/zero")}) {
+    EXPECT_EQ(TestSupport::thrownText<ToolError>([&] { readSecretFile(path); }),
+              "the file of the secret is longer than 65536 bytes");
+  }
+}
+
 TEST(Secret, FileThatCannotBeReadIsNamed) {
   const TestSupport::TemporaryFolder folder;
   const std::string missing = (folder.path() / "missing").string();

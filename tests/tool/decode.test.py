@@ -346,6 +346,26 @@ class Usage(unittest.TestCase):
                     (pathlib.Path(folder) / name).write_text(GOOD_REQUEST.hex())
                     self.assertEqual(decode(name, cwd=folder).status, 0)
 
+    def test_a_file_may_be_called_like_an_option_or_an_end_of_a_command(self):
+        with tempfile.TemporaryDirectory() as folder:
+            for name in ("a", "++", "-dash", "--"):
+                (pathlib.Path(folder) / name).write_text(GOOD_REQUEST.hex())
+            for arguments, sources in (
+                    (["++"], ["./++"]),
+                    (["a", "++"], ["a", "./++"]),
+                    (["--", "++", "-dash"], ["./++", "./-dash"]),
+                    (["a", "--", "-dash", "a"], ["a", "./-dash", "a"]),
+                    (["a", "--", "--"], ["a", "./--"]),
+                    (["a", "--"], ["a"])):
+                with self.subTest(arguments=arguments):
+                    result = decode("--json", *arguments, cwd=folder)
+                    self.assertEqual((result.status, result.errors), (0, ""))
+                    self.assertEqual([report["source"] for report in result.objects], sources)
+
+    def test_behind_the_end_of_options_a_dash_is_still_standard_input(self):
+        result = decode("--json", "--", "-", stdin=GOOD_REQUEST.hex())
+        self.assertEqual([report["source"] for report in result.objects], ["-"])
+
     def test_a_file_may_be_called_like_a_list(self):
         with tempfile.TemporaryDirectory() as folder:
             (pathlib.Path(folder) / "[a,b]").write_text(GOOD_REQUEST.hex())
