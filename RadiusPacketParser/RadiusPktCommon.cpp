@@ -11,6 +11,7 @@
 #include "ZoCrypto/Cleanse.h"
 #include "ZoCrypto/HmacMd5.h"
 #include "ZoCrypto/MessageDigest.h"
+#include "Zonet/WireReader.h"
 
 #include "RadiusPacketParser/RadiusPacketConstants.h"
 
@@ -39,14 +40,6 @@ constexpr Digest zeroAuthenticator{};
 /// The part of a shared secret that counts.
 ByteView secretBytes(const String& secret) {
   return secret.bytes().first(secret.viewToNul().size());
-}
-
-/// Copies as many of an authenticator's bytes as there are into a 16-byte place, and returns how
-/// many.
-U32 copyAuthenticator(ByteView from, U8* to) {
-  const std::size_t count = std::min<std::size_t>(from.size(), PacketConstants::authLength());
-  std::copy_n(from.data(), count, to);
-  return static_cast<U32>(count);
 }
 
 /// Whether an authenticator gives all the bytes that one has; traces when it does not.
@@ -87,10 +80,6 @@ ErrorMsg packetDigest(ByteView packet, ByteView authenticator, const String& sec
   return md5Of({packet.first(PacketConstants::authenticatorOffset()), authenticator,
                 packet.subspan(PacketConstants::headerLength()), secretBytes(secret)},
                digest);
-}
-
-bool isPlainRequest(U8 code) {
-  return code == RadiusCode::ACCESS_REQUEST || code == RadiusCode::STATUS_SERVER;
 }
 
 /// Puts a digest into packet and header as their authenticator.
@@ -163,6 +152,34 @@ void setMissing(ErrorMsg errorMsg, AttrInfo& info) {
 }
 
 }  // namespace
+
+detail::HeaderFault detail::readHeader(ByteView pkt, RadiusHdr& hdr) {
+  Zonet::WireReader reader(pkt);
+  U8 code = 0;
+  U8 id = 0;
+  U16 length = 0;
+  ByteView authenticator;
+  if (!reader.read(code) || !reader.read(id) || !reader.read(length) ||
+      !reader.read(PacketConstants::authLength(), authenticator)) {
+    return HeaderFault::tooShort;
+  }
+  hdr.codeIs(code);
+  hdr.idIs(id);
+  hdr.lengthIs(length);
+  hdr.authenticatorIs(String(authenticator));
+  if (length < PacketConstants::headerLength() || length > PacketConstants::maxLength()) {
+    return HeaderFault::lengthOutOfRange;
+  }
+  return length > pkt.size() ? HeaderFault::cut : HeaderFault::none;
+}
+
+bool detail::hasRandomAuthenticator(U8 code) {
+  return code == RadiusCode::ACCESS_REQUEST || code == RadiusCode::STATUS_SERVER;
+}
+
+void detail::copyAuthenticator(ByteView from, U8* to) {
+  std::copy_n(from.data(), std::min<std::size_t>(from.size(), PacketConstants::authLength()), to);
+}
 
 bool isRequest(U8 code) {
   switch (code) {
@@ -258,7 +275,7 @@ ErrorMsg calculateMessageAuthenticator(const String& secret, U8* savedValue, U8*
 
 ErrorMsg setRequestAuthenticator(const String& secret, U8* pktData, const Ptr<RadiusHdr>& hdr) {
   VERDA_TRACE(codecTrace, Verda::traceEntries, "", "entry");
-  if (isPlainRequest(hdr->code())) {
+  if (detail::hasRandomAuthenticator(hdr->code())) {
     return ErrorMsg::success;
   }
   VERDA_ASSERT(hdr->length() >= PacketConstants::headerLength());
@@ -276,7 +293,7 @@ ErrorMsg setResponseAuthenticator(const String& secret, const Bytes& reqAuth, U8
   VERDA_TRACE(codecTrace, Verda::traceEntries, "", "entry");
   VERDA_ASSERT(hdr->length() >= PacketConstants::headerLength());
   U8* const authenticator = pktData + PacketConstants::authenticatorOffset();
-  copyAuthenticator(reqAuth.span(), authenticator);
+  detail::copyAuthenticator(reqAuth.span(), authenticator);
   Digest digest;
   const ErrorMsg result =
       md5Of({ByteView(pktData, hdr->length()), secretBytes(secret)}, digest.data());
@@ -289,7 +306,7 @@ ErrorMsg setResponseAuthenticator(const String& secret, const Bytes& reqAuth, U8
 ErrorMsg validateAuthenticator(const Ptr<Zonet::Pkt>& pkt, const Ptr<RadiusHdr>& hdr,
                                const String& secret, const Bytes& reqAuth) {
   VERDA_TRACE(codecTrace, Verda::traceEntries, "", "entry");
-  if (isPlainRequest(hdr->code())) {
+  if (detail::hasRandomAuthenticator(hdr->code())) {
     return ErrorMsg::success;
   }
   if (!holdsPacket(pkt, *hdr)) {
@@ -316,13 +333,13 @@ ErrorMsg setMessageAuthenticator(U8* pktData, U8* msgAuthAttr, const String& sec
                                  const Bytes& reqAuth, const Ptr<RadiusHdr>& hdr) {
   VERDA_TRACE(codecTrace, Verda::traceEntries, "", "entry");
   U8* const authenticator = pktData + PacketConstants::authenticatorOffset();
-  if (isPlainRequest(hdr->code())) {
+  if (detail::hasRandomAuthenticator(hdr->code())) {
     VERDA_ASSERT_TEXT(reqAuth.empty(), "Request authenticator found not NULL for request packet");
   } else {
     std::ranges::copy(zeroAuthenticator, authenticator);
   }
   if (!reqAuth.empty()) {
-    copyAuthenticator(reqAuth.span(), authenticator);
+    detail::copyAuthenticator(reqAuth.span(), authenticator);
     if (!isWholeAuthenticator(reqAuth.span(), __func__)) {
       return ErrorMsg::invalidBytesCopied;
     }
@@ -388,7 +405,7 @@ ErrorMsg validateMessageAuthenticator(const Ptr<Zonet::Pkt>& pkt, const Ptr<Radi
   if (!holdsPacket(pkt, *hdr) || !liesInPacket(msgAuthAttr, pkt->data(), hdr->length())) {
     return ErrorMsg::invalidMsgAuth;
   }
-  if (isPlainRequest(hdr->code())) {
+  if (detail::hasRandomAuthenticator(hdr->code())) {
     return compareMessageAuthenticator(*pkt, *hdr, secret, msgAuthAttr, false);
   }
   if (!reqAuth.empty() && !isWholeAuthenticator(reqAuth.span(), __func__)) {
@@ -396,7 +413,8 @@ ErrorMsg validateMessageAuthenticator(const Ptr<Zonet::Pkt>& pkt, const Ptr<Radi
   }
   U8* const authenticator = pkt->data() + PacketConstants::authenticatorOffset();
   const RestoreOnExit received(authenticator);
-  copyAuthenticator(reqAuth.empty() ? ByteView(zeroAuthenticator) : reqAuth.span(), authenticator);
+  detail::copyAuthenticator(reqAuth.empty() ? ByteView(zeroAuthenticator) : reqAuth.span(),
+                            authenticator);
   return compareMessageAuthenticator(*pkt, *hdr, secret, msgAuthAttr, true);
 }
 
@@ -438,11 +456,11 @@ ErrorMsg encryptHelper(U8* data, U32 len, const String& secret, const Bytes& aut
   return result;
 }
 
-ErrorMsg encryptAttribute(Attribute attribute, U8* attrPtr, const String& secret,
-                          const Bytes& reqAuth, const Ptr<RadiusHdr>& hdr, AttrInfo attrInfo,
-                          const Ptr<const RadiusDict>& /*dict*/) {
+ErrorMsg detail::encryptAttribute(const Attribute& attribute, U8* attr, const String& secret,
+                                  const Bytes& reqAuth, const RadiusHdr& hdr,
+                                  const AttrInfo& attrInfo) {
   VERDA_TRACE(codecTrace, Verda::traceEntries, "", "entry");
-  if (isRequest(hdr->code())) {
+  if (isRequest(hdr.code())) {
     VERDA_ASSERT_TEXT(reqAuth.empty(), "Request authenticator found not NULL for request packet");
   } else {
     VERDA_ASSERT_TEXT(!reqAuth.empty(), "Request authenticator found NULL for response packet");
@@ -451,8 +469,14 @@ ErrorMsg encryptAttribute(Attribute attribute, U8* attrPtr, const String& secret
     return ErrorMsg::success;
   }
   const bool isVendor = attribute.attrId == RadiusAttributeId::VENDOR_SPECIFIC;
-  U8* const unit = isVendor ? attrPtr + VsaConstants::vendorTypeOffset() : attrPtr;
-  return transformUnit(unit, secret, reqAuth, *hdr, attrInfo, true);
+  U8* const unit = isVendor ? attr + VsaConstants::vendorTypeOffset() : attr;
+  return transformUnit(unit, secret, reqAuth, hdr, attrInfo, true);
+}
+
+ErrorMsg encryptAttribute(Attribute attribute, U8* attrPtr, const String& secret,
+                          const Bytes& reqAuth, const Ptr<RadiusHdr>& hdr, AttrInfo attrInfo,
+                          const Ptr<const RadiusDict>& /*dict*/) {
+  return detail::encryptAttribute(attribute, attrPtr, secret, reqAuth, *hdr, attrInfo);
 }
 
 ErrorMsg detail::decryptAttribute(const Attribute& attribute, U8* unit, const String& secret,

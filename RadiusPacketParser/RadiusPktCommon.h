@@ -8,19 +8,22 @@
 #include "Verda/Ptr.h"
 #include "Verda/String.h"
 #include "Verda/Types.h"
+#include "Zonet/IpGenPrefix.h"
 #include "Zonet/Pkt.h"
 
 #include "RadiusPacketParser/RadiusPacketConstants.h"
 #include "RadiusPacketParser/RadiusPktTypes.h"
 
 /// What parser and builder share: the attribute cursor, dictionary lookup, authenticators and
-/// attribute hiding.
+/// attribute hiding; and what builds a packet: the encoders and the assembly.
 ///
 /// In all of them the shared secret counts up to its first zero byte, the packet bytes covered are
 /// those that the header's length says, and `reqAuth` is empty when the packet is itself a request
 /// and holds the 16 bytes of the request's authenticator when it is a response. Of a longer
 /// `reqAuth` the first 16 bytes count.
 namespace RadiusPktParserBase {
+
+class PktInfoBuilder;
 
 /// Walks the attributes of a packet, one at a time, whatever their bytes: every walk uses it, and
 /// decides for itself what it makes of a fault.
@@ -206,6 +209,112 @@ decryptAttribute(Attribute attribute, Verda::U8* attrPtr, const Verda::String& s
                  const Verda::Bytes& reqAuth, const Verda::Ptr<RadiusHdr>& hdr, AttrInfo attrInfo,
                  const Verda::Ptr<const RadiusPacketParser::RadiusDict>& dict);
 
+// ---- Encoders ----
+//
+// Each writes one attribute at `buf`, into a packet of `curLen` bytes so far, when that does not
+// make the packet longer than 4096 bytes; there must be room for that at `buf`. Nothing is moved:
+// the caller goes on by the Length written. In vendor form (`isVsa`) `attrId` is the vendor type,
+// the outer Length is written, and Type and Vendor-Id are left to `addVsa`; a sub-attribute may be
+// as long as any attribute, and the outer Length is then written modulo 256.
+//
+// They return `success`, `maxPktLengthExceeded`, or what each says for itself.
+
+/// Writes text, behind `tag` when `attrInfo` says tagged.
+/// @return also `invalidAttrLength` (more than 253 bytes, the tag counted)
+VERDA_EXPORT ErrorMsg addStrTypes(Verda::U8* buf, Verda::U8 attrId, const Verda::String& str,
+                                  Verda::U8 tag, AttrInfo attrInfo, bool isVsa, Verda::U16 curLen);
+
+/// Writes bytes.
+/// @return also `invalidAttrLength` (more than 253 bytes)
+VERDA_EXPORT ErrorMsg addOctetTypes(Verda::U8* buf, Verda::U8 attrId, const Verda::Bytes& bytes,
+                                    bool isVsa, Verda::U16 curLen);
+
+/// Writes a number in network order. Of an `integer` that `attrInfo` says tagged, `tag` takes the
+/// place of the highest eight bits (RFC 2868); a `date` is never tagged.
+VERDA_EXPORT ErrorMsg addIntegerDateTypes(Verda::U8* buf, Verda::U8 attrId, const Verda::U32& value,
+                                          Verda::U8 tag, AttrInfo attrInfo, bool isVsa,
+                                          Verda::U16 curLen);
+
+/// Writes an IPv4 address. Standard form.
+/// @return also `invalidAttrDataType` (an IPv6 address)
+VERDA_EXPORT ErrorMsg addIpv4Types(Verda::U8* buf, Verda::U8 attrId,
+                                   const Zonet::IpGenPrefix& prefix, Verda::U16 curLen);
+
+/// Writes an IPv6 address. Standard form.
+/// @return also `invalidAttrDataType` (an IPv4 address)
+VERDA_EXPORT ErrorMsg addIpv6Types(Verda::U8* buf, Verda::U8 attrId,
+                                   const Zonet::IpGenPrefix& prefix, Verda::U16 curLen);
+
+/// Writes an IPv6 prefix (RFC 3162 section 2.3): its length in bits and all 16 bytes of the
+/// address. Standard form.
+/// @return also `invalidAttrDataType` (an IPv4 prefix)
+VERDA_EXPORT ErrorMsg addIpv6PrefixTypes(Verda::U8* buf, Verda::U8 attrId,
+                                         const Zonet::IpGenPrefix& prefix, Verda::U16 curLen);
+
+/// Writes an interface identifier (RFC 3162 section 2.2): the low half of an IPv6 address. Standard
+/// form.
+/// @return also `invalidAttrDataType` (an IPv4 address)
+VERDA_EXPORT ErrorMsg addIfidTypes(Verda::U8* buf, Verda::U8 attrId,
+                                   const Zonet::IpGenPrefix& prefix, Verda::U16 curLen);
+
+/// Writes a standard attribute by its data type. A User-Password's text is cut at 128 bytes and
+/// filled up with zeros to whole blocks of 16. Octets that `attrInfo` says concat are split into
+/// attributes of at most 253 value bytes; `*bufPtr` and `curLen` are then moved to the last of
+/// them, and nowhere when one does not fit. An empty concat value and a `TaggedInt` for a tagged
+/// `date` write nothing.
+/// @param dict  not consulted
+/// @return also `attrInfo.errorMsg` (not in the dictionary), `unknownAttrDataType`,
+///         `invalidAttrDataType` (the value does not go with the type; `integer64`) or
+///         `invalidAttrLength`
+VERDA_EXPORT ErrorMsg addAttribute(AttrValue value, Attribute attribute, AttrInfo attrInfo,
+                                   Verda::U8** bufPtr, Verda::U16& curLen,
+                                   const Verda::Ptr<const RadiusPacketParser::RadiusDict>& dict);
+
+/// Writes a Vendor-Specific attribute of one sub-attribute, of data type `string`, `octets`,
+/// `integer` or `date`. A `TaggedInt` for a tagged `date` writes Type and Vendor-Id alone.
+/// @param dict  not consulted
+/// @return also `attrInfo.errorMsg` (not in the dictionary), `unknownAttrDataType`,
+///         `invalidVendorAttrDataType` or `invalidAttrLength`
+VERDA_EXPORT ErrorMsg addVsa(AttrValue value, Attribute attribute, AttrInfo attrInfo,
+                             Verda::U8* buf, Verda::U16 curLen,
+                             const Verda::Ptr<const RadiusPacketParser::RadiusDict>& dict);
+
+// ---- Assembly ----
+
+/// Appends the attributes to add of `pktInfoBuilder`, in ascending order of their keys, and hides
+/// those that the dictionary says hidden.
+/// @param pkt         a buffer of 4096 bytes that begins with the packet's header
+/// @param length      the packet's length so far; moved behind what is written
+/// @param msgAuthPos  the packet's Message-Authenticator, or null: the first one to add is then a
+///                    place, left for `setMessageAuthenticator`, and this points at it
+/// @return `success`, `maxPktLengthExceeded`, `invalidAttrDataType` (also of an entry without an
+///         attribute), or the fault of the encoder or of hiding
+VERDA_EXPORT ErrorMsg addAttributesToPkt(
+    const Verda::String& secret, const Verda::Bytes& reqAuth, const Verda::Ptr<RadiusHdr>& hdr,
+    const Verda::Ptr<PktInfoBuilder>& pktInfoBuilder, Verda::U8* pkt, Verda::U16& length,
+    Verda::U8*& msgAuthPos, const Verda::Ptr<const RadiusPacketParser::RadiusDict>& dictionary);
+
+/// Copies the attributes of one packet into another, replaced or removed as `pktInfoBuilder` says.
+/// A Message-Authenticator becomes a place, whatever is asked for it.
+/// @param oldPkt  a packet whose Length field is true
+/// @param newPkt  a buffer of 4096 bytes that begins with the packet's header
+/// @param length  set to the length of what is written, the header's 20 bytes included
+/// @return `success`, `maxPktLengthExceeded`, `invalidPktLength` or `invalidAttrLength` (the old
+///         packet is not well formed), `invalidAttrDataType` (also of a replacement without a
+///         value), or the fault of the encoder or of hiding
+VERDA_EXPORT ErrorMsg replaceAttributesInPkt(
+    const Verda::U8* oldPkt, Verda::U8* newPkt, const Verda::String& secret,
+    const Verda::Bytes& reqAuth, const Verda::Ptr<RadiusHdr>& hdr,
+    const Verda::Ptr<PktInfoBuilder>& pktInfoBuilder, Verda::U16& length, Verda::U8*& msgAuthPos,
+    const Verda::Ptr<const RadiusPacketParser::RadiusDict>& dictionary);
+
+/// Builds a packet from `pkt` when one is given, else from `hdr`; what the builder's two operations
+/// do.
+VERDA_EXPORT Verda::Ptr<PktReturn> buildPkt(
+    const Verda::Ptr<Zonet::Pkt>& pkt, const Verda::String& secret, const Verda::Bytes& reqAuth,
+    const Verda::Ptr<RadiusHdr>& hdr, const Verda::Ptr<PktInfoBuilder>& pktInfoBuilder,
+    const Verda::Ptr<const RadiusPacketParser::RadiusDict>& dictionary);
+
 /// The failed result of building a packet: no packet, and `errorMsg`.
 VERDA_EXPORT Verda::Ptr<PktReturn> invalidPkt(ErrorMsg errorMsg);
 
@@ -214,12 +323,45 @@ VERDA_EXPORT Verda::Ptr<RadiusHdrReturn> invalidHdr(ErrorMsg errorMsg);
 
 namespace detail {
 
-// What `getAttrInfo` and `decryptAttribute` do, for the walk, which asks both of every attribute.
-// Key and info go by reference: they have just been written field by field, and to load them whole
-// into a register, as passing them by value does, would stall the processor each time.
+/// What is wrong with the bytes of a header.
+enum class HeaderFault : Verda::U8 {
+  none,
+  tooShort,          ///< fewer bytes than a header has
+  lengthOutOfRange,  ///< the Length field says less than 20 or more than 4096
+  cut,               ///< the Length field says more bytes than there are
+};
+
+/// Reads the header of a packet. Unless the packet is too short, `hdr` holds what it says.
+HeaderFault readHeader(std::span<const Verda::U8> pkt, RadiusHdr& hdr);
+
+/// Whether packets of that code have an authenticator that is random, and not a digest.
+bool hasRandomAuthenticator(Verda::U8 code);
+
+/// Copies as many of an authenticator's bytes as there are into a 16-byte place.
+void copyAuthenticator(std::span<const Verda::U8> from, Verda::U8* to);
+
+/// Whether the encoder of a value that goes with its attribute writes no attribute: a `TaggedInt`
+/// for a tagged `date`, and an empty value of a standard concat attribute.
+bool isWrittenAsNothing(const AttrValue& value, const Attribute& attribute,
+                        const AttrInfo& attrInfo);
+
+// What the functions of these names do, for walk and assembly, which ask them of every attribute.
+// Values go by reference because copying them costs, key and info because they have just been
+// written field by field, and to load them whole into a register, as passing them by value does,
+// would stall the processor each time.
 
 void getAttrInfo(const Attribute& attribute,
                  const Verda::Ptr<const RadiusPacketParser::RadiusDict>& dict, AttrInfo& info);
+
+ErrorMsg addAttribute(const AttrValue& value, const Attribute& attribute, const AttrInfo& attrInfo,
+                      Verda::U8*& position, Verda::U16& length);
+
+ErrorMsg addVsa(const AttrValue& value, const Attribute& attribute, const AttrInfo& attrInfo,
+                Verda::U8* buf, Verda::U16 length);
+
+ErrorMsg encryptAttribute(const Attribute& attribute, Verda::U8* attr, const Verda::String& secret,
+                          const Verda::Bytes& reqAuth, const RadiusHdr& hdr,
+                          const AttrInfo& attrInfo);
 
 ErrorMsg decryptAttribute(const Attribute& attribute, Verda::U8* unit, const Verda::String& secret,
                           const Verda::Bytes& reqAuth, const RadiusHdr& hdr,

@@ -53,33 +53,24 @@ ErrorMsg readHeader(const Ptr<Zonet::Pkt>& pkt, RadiusHdr& hdr) {
                    "Null pointer passed instead of packet");
     return ErrorMsg::invalidPktPtr;
   }
-  Zonet::WireReader reader(std::as_const(*pkt).span());
-  const U32 bytes = pkt->bytes();
-  U8 code = 0;
-  U8 id = 0;
-  U16 length = 0;
-  ByteView authenticator;
-  if (!reader.read(code) || !reader.read(id) || !reader.read(length) ||
-      !reader.read(PacketConstants::authLength(), authenticator)) {
-    VERDA_TRACE_AS(codecTrace, Verda::traceErrors, parserClass, function,
-                   "Packet has invalid length: {}", bytes);
-    return ErrorMsg::invalidPktLength;
+  switch (detail::readHeader(std::as_const(*pkt).span(), hdr)) {
+    case detail::HeaderFault::none:
+      return ErrorMsg::success;
+    case detail::HeaderFault::tooShort:
+      VERDA_TRACE_AS(codecTrace, Verda::traceErrors, parserClass, function,
+                     "Packet has invalid length: {}", pkt->bytes());
+      break;
+    case detail::HeaderFault::lengthOutOfRange:
+      VERDA_TRACE_AS(codecTrace, Verda::traceErrors, parserClass, function,
+                     "Invalid packet header length: {}", hdr.length());
+      break;
+    case detail::HeaderFault::cut:
+      VERDA_TRACE_AS(codecTrace, Verda::traceErrors, parserClass, function,
+                     "Packet's Length: {} and header length: {} mismatch", pkt->bytes(),
+                     hdr.length());
+      break;
   }
-  if (length < PacketConstants::headerLength() || length > PacketConstants::maxLength()) {
-    VERDA_TRACE_AS(codecTrace, Verda::traceErrors, parserClass, function,
-                   "Invalid packet header length: {}", length);
-    return ErrorMsg::invalidPktLength;
-  }
-  if (bytes < length) {
-    VERDA_TRACE_AS(codecTrace, Verda::traceErrors, parserClass, function,
-                   "Packet's Length: {} and header length: {} mismatch", bytes, length);
-    return ErrorMsg::invalidPktLength;
-  }
-  hdr.codeIs(code);
-  hdr.idIs(id);
-  hdr.lengthIs(length);
-  hdr.authenticatorIs(String(authenticator));
-  return ErrorMsg::success;
+  return ErrorMsg::invalidPktLength;
 }
 
 // ---- Decoding one value ----

@@ -21,6 +21,8 @@ STANDS_ON = {
     "RadiusPktTypes": ["RadiusDictionaryParser"],
     "RadiusPktCommon": ["RadiusPktTypes"],
     "RadiusPktBuilder": ["RadiusPktCommon"],
+    # A source of RadiusPktCommon that reads what a build is asked for; no header knows it.
+    "RadiusPktCommon.assembly": ["RadiusPktBuilder"],
     "RadiusPktParser": ["RadiusPktCommon"],
     "RadiusPktParserTest": ["RadiusPktParser"],
     "RadiusPacketParser": ["RadiusPktCommon"],
@@ -69,7 +71,10 @@ def layer_of_include(name):
     first, _, rest = name.partition("/")
     if not rest:
         return None
-    layer = rest.split(".")[0] if first == LIBRARY else first
+    source = rest.rpartition(".")[0]
+    layer = first
+    if first == LIBRARY:
+        layer = source if source in STANDS_ON else rest.split(".")[0]
     return layer if layer in STANDS_ON else None
 
 
