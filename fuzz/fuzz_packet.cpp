@@ -10,6 +10,7 @@
 
 #include "Verda/Trace.h"
 #include "Zonet/WireReader.h"
+#include "fuzz/FuzzInput.h"
 
 #include "RadiusPacketParser/RadiusPacketConstants.h"
 #include "RadiusPacketParser/RadiusPktCommon.h"
@@ -19,14 +20,9 @@ namespace {
 
 using namespace RadiusPacketParser;
 using namespace RadiusPktParserBase;
-using Verda::U32;
+using Fuzz::everyKindOfAttribute;
+using Fuzz::requestAuthenticator;
 using Verda::U8;
-
-/// Takes every record, so that all of them are formatted, and drops it.
-class DroppingSink final : public Verda::TraceSink {
- public:
-  void record(const Verda::TraceRecord& /*record*/) override {}
-};
 
 /// Keeps what the hook hands over, as an agent would.
 class KeepingParser final : public RadiusPktParser {
@@ -41,43 +37,6 @@ class KeepingParser final : public RadiusPktParser {
  private:
   AttrValue kept_;
 };
-
-constexpr U32 types = 11;       // the ten data types, and attributes that the dictionary lacks
-constexpr U32 encryptions = 4;  // none, the two methods, and one that is not applied
-
-template <typename Node>
-void describe(Node& node, U32 choice) {
-  node.attributeTypeIs(static_cast<RadiusAttributeType::RadiusAttributeTypeEnum>(choice % types));
-  choice /= types;
-  node.attributeEncryptionTypeIs(static_cast<U8>(choice % encryptions));
-  choice /= encryptions;
-  node.hasTagIs(choice % 2 == 0);
-  node.concatIs(choice / 2 % 2 == 0);
-}
-
-/// Every data type with every flag, as standard and as vendor attributes.
-Verda::Ptr<const RadiusDict> everyKindOfAttribute() {
-  const Verda::Ptr<RadiusDict> dictionary = radiusDictFactory();
-  for (U32 code = 0; code <= 255; ++code) {
-    if (code % types != types - 1) {
-      describe(*dictionary->radiusAttributeIs(static_cast<U8>(code)), code);
-      for (const U32 vendor : {9U, 311U}) {
-        describe(*dictionary->vendorAttributeIs(vendor)->vendorNodeDictIs(static_cast<U8>(code)),
-                 code + vendor);
-      }
-    }
-  }
-  return dictionary;
-}
-
-Verda::Bytes requestAuthenticator(U8 code, U8 choice) {
-  static constexpr std::size_t lengths[] = {16, 16, 16, 16, 1, 15, 17, 255};
-  if (isRequest(code)) {
-    return {};
-  }
-  const std::vector<U8> bytes(lengths[choice % std::size(lengths)], choice);
-  return {std::span<const U8>(bytes)};
-}
 
 /// Gives a packet the length of its buffer and a good authenticator, so that the walk is reached.
 void sign(Zonet::Pkt& pkt, const Verda::String& secret, const Verda::Bytes& reqAuth) {
@@ -101,10 +60,8 @@ void sign(Zonet::Pkt& pkt, const Verda::String& secret, const Verda::Bytes& reqA
 
 /// A byte of choices, the secret's length, the secret, the packet.
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-  static DroppingSink droppingSink;
   static const auto parser = Verda::Ptr<RadiusPktParser>(new KeepingParser(everyKindOfAttribute()));
-  Verda::traceSinkIs(&droppingSink);
-  Verda::traceThresholdIs(Verda::traceEntries);
+  Fuzz::traceEverything();
 
   Zonet::WireReader reader(std::span<const U8>(data, size));
   U8 choices = 0;
