@@ -16,6 +16,8 @@ Dictionary ownDictionary();
 
 /// Verifying and decoding a packet.
 void registerParse(const Dictionary& dictionary);
+/// Building and signing a packet from a request that is ready, and changing one.
+void registerBuild(const Dictionary& dictionary);
 /// The walk over a packet that needs no digests.
 void registerWalk(const Dictionary& dictionary);
 /// Verifying and decoding on one parser, by one thread and by two.

@@ -47,7 +47,7 @@ void md5Of(std::initializer_list<ByteView> parts) {
 }  // namespace
 
 Floor::Floor(const BenchPacket& packet,
-             const Verda::Ptr<const RadiusPacketParser::RadiusDict>& dictionary)
+             const Verda::Ptr<const RadiusPacketParser::RadiusDict>& dictionary, Hidden hidden)
     : bytes_(packet.bytes) {
   const U8 code = bytes_[PacketConstants::codeOffset()];
   const bool isAccounting = code == RadiusCode::ACCOUNTING_REQUEST;
@@ -62,7 +62,9 @@ Floor::Floor(const BenchPacket& packet,
     if (cursor.type() == RadiusAttributeId::MESSAGE_AUTHENTICATOR) {
       hasMessageAuthenticator_ = !isAccounting;
     }
-    addKeystream(cursor.bytes(), dictionary);
+    if (hidden == Hidden::handled) {
+      addKeystream(cursor.bytes(), dictionary);
+    }
   }
 }
 

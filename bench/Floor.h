@@ -11,14 +11,18 @@
 
 namespace Bench {
 
-/// The digests that nobody can do without who verifies a packet and reveals its hidden values, and
-/// nothing else: the least time that the work can take. They are called as the library calls them,
-/// over the same bytes.
+/// The digests that nobody can do without who verifies a packet and reveals its hidden values, or
+/// hides and signs, and nothing else: the least time that the work can take. They are called as the
+/// library calls them, over the same bytes.
 class Floor {
  public:
+  /// Whether the work includes the hidden values.
+  enum class Hidden : Verda::U8 { handled, copied };
+
   /// Finds out which digests the packet needs. `packet` must outlive the floor.
   Floor(const BenchPacket& packet,
-        const Verda::Ptr<const RadiusPacketParser::RadiusDict>& dictionary);
+        const Verda::Ptr<const RadiusPacketParser::RadiusDict>& dictionary,
+        Hidden hidden = Hidden::handled);
 
   /// Computes them all.
   void run() const;

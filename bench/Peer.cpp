@@ -28,6 +28,8 @@ std::optional<Peer> Peer::open() {
   if (!resolve(library, "peer_dictionary_load", peer.loadDictionary_) ||
       !resolve(library, "peer_packet_new", peer.newPacket_) ||
       !resolve(library, "peer_decode", peer.decode_) ||
+      !resolve(library, "peer_make_ready", peer.makeReady_) ||
+      !resolve(library, "peer_encode", peer.encode_) ||
       !resolve(library, "peer_packet_free", peer.freePacket_) || !peer.loadDictionary()) {
     std::cerr << "Without the peer: it does not load its dictionary\n";
     return std::nullopt;
@@ -46,6 +48,14 @@ Peer::Packet::Packet(const Peer& peer, const BenchPacket& packet)
                                 packet.reqAuth.empty() ? nullptr : packet.reqAuth.data()));
   if (packet_ == nullptr || decode() <= 0) {
     std::cerr << "The peer does not decode " << packet.name << '\n';
+    std::exit(EXIT_FAILURE);
+  }
+}
+
+void Peer::Packet::makeReady() {
+  if (peer_.makeReady_(packet_.get(), secret.c_str()) != 0 ||
+      encode() != static_cast<int>(bytes_.size())) {
+    std::cerr << "The peer does not encode what it decoded\n";
     std::exit(EXIT_FAILURE);
   }
 }

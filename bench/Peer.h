@@ -23,6 +23,13 @@ class Peer {
     /// Verifies and decodes the packet and frees what came out; returns how many attributes.
     int decode() const { return peer_.decode_(packet_.get(), secret.c_str()); }
 
+    /// Decodes the packet once more and keeps its attributes, for `encode`; the packet itself is
+    /// not decoded again. Ends the process when the peer does not encode them to as many bytes.
+    void makeReady();
+
+    /// Encodes and signs a packet of those attributes and frees it; returns its length.
+    int encode() const { return peer_.encode_(packet_.get(), secret.c_str()); }
+
    private:
     const Peer& peer_;
     std::vector<Verda::U8> bytes_;
@@ -38,6 +45,8 @@ class Peer {
   int (*loadDictionary_)() = nullptr;
   peer_packet* (*newPacket_)(Verda::U8*, std::size_t, const Verda::U8*) = nullptr;
   int (*decode_)(peer_packet*, const char*) = nullptr;
+  int (*makeReady_)(peer_packet*, const char*) = nullptr;
+  int (*encode_)(peer_packet*, const char*) = nullptr;
   void (*freePacket_)(peer_packet*) = nullptr;
 };
 

@@ -14,6 +14,7 @@ int main(int argc, char** argv) {
   }
   const auto dictionary = Bench::ownDictionary();
   Bench::registerParse(dictionary);
+  Bench::registerBuild(dictionary);
   Bench::registerWalk(dictionary);
   Bench::registerThreads(dictionary);
   Bench::registerHmac();

@@ -97,7 +97,7 @@ def show_threads(results):
 def main():
     with open(sys.argv[1], encoding="utf-8") as file:
         results = medians(json.load(file))
-    for operation in ("parse", "load"):
+    for operation in ("parse", "build", "build-with-header", "modify", "load"):
         show_compared(results, operation)
     show_walk(results)
     show_hmac(results)

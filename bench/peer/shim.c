@@ -40,13 +40,20 @@ struct peer_packet* peer_packet_new(uint8_t* bytes, size_t length, uint8_t const
   return packet;
 }
 
-int peer_decode(struct peer_packet* packet, char const* secret) {
+static int verify_and_decode(struct peer_packet* packet, char const* secret) {
   /* Verifying an Accounting-Request leaves zeros in the bytes that were verified. */
   memcpy(packet->authenticator, packet->received, AUTH_VECTOR_LEN);
   decode_fail_t reason;
   if (!rad_packet_ok(packet->packet, 0, &reason) ||
       rad_verify(packet->packet, packet->request, secret) != 0 ||
       rad_decode(packet->packet, packet->request, secret) != 0) {
+    return -1;
+  }
+  return 0;
+}
+
+int peer_decode(struct peer_packet* packet, char const* secret) {
+  if (verify_and_decode(packet, secret) != 0) {
     return -1;
   }
   int count = 0;
@@ -57,8 +64,29 @@ int peer_decode(struct peer_packet* packet, char const* secret) {
   return count;
 }
 
-void peer_packet_free(struct peer_packet* packet) {
+int peer_make_ready(struct peer_packet* packet, char const* secret) {
+  if (verify_and_decode(packet, secret) != 0) {
+    return -1;
+  }
   packet->packet->data = NULL; /* the caller's */
+  packet->packet->data_len = 0;
+  return 0;
+}
+
+int peer_encode(struct peer_packet* packet, char const* secret) {
+  if (rad_encode(packet->packet, packet->request, secret) != 0 ||
+      rad_sign(packet->packet, packet->request, secret) != 0) {
+    return -1;
+  }
+  int const length = (int)packet->packet->data_len;
+  talloc_free(packet->packet->data);
+  packet->packet->data = NULL;
+  return length;
+}
+
+void peer_packet_free(struct peer_packet* packet) {
+  packet->packet->data = NULL; /* the caller's, or freed */
+  fr_pair_list_free(&packet->packet->vps);
   rad_free(&packet->packet);
   if (packet->request != NULL) {
     rad_free(&packet->request);
