@@ -60,10 +60,8 @@ class AttributeAppender {
     return ErrorMsg::success;
   }
 
-  AttrInfo infoOf(const Attribute& key) const {
-    AttrInfo attrInfo;
+  void lookUp(const Attribute& key, AttrInfo& attrInfo) const {
     detail::getAttrInfo(key, dictionary_, attrInfo);
-    return attrInfo;
   }
 
   /// Encodes a value and hides it as the dictionary asks.
@@ -154,7 +152,8 @@ class OldAttributes {
   /// What becomes of one fragment of a value becomes of all that follow it directly.
   ErrorMsg takeStandard(U8 type, ByteView attribute) {
     const Attribute key = standardAttribute(type);
-    const AttrInfo attrInfo = appender_.infoOf(key);
+    AttrInfo attrInfo;
+    appender_.lookUp(key, attrInfo);
     const AttrWithValue* replacement = replacementOf(key);
     if (replacement == nullptr && !request_.attributesToRemoveHas(key)) {
       return appender_.appendCopy(attribute);
@@ -175,7 +174,9 @@ class OldAttributes {
         Zonet::WireReader(attribute.subspan(VsaConstants::vendorIdOffset())).read(vendorId));
     const Attribute key = vendorAttribute(vendorId, attribute[VsaConstants::vendorTypeOffset()]);
     if (const AttrWithValue* replacement = replacementOf(key)) {
-      return replace(key, appender_.infoOf(key), *replacement);
+      AttrInfo attrInfo;
+      appender_.lookUp(key, attrInfo);
+      return replace(key, attrInfo, *replacement);
     }
     return request_.attributesToRemoveHas(key) ? ErrorMsg::success
                                                : appender_.appendCopy(attribute);
@@ -199,9 +200,11 @@ class OldAttributes {
 };
 
 ErrorMsg appendValues(const AttrWithValue& attribute, AttributeAppender& appender) {
+  const Attribute& key = attribute.attribute();
+  AttrInfo attrInfo;
   for (const AttrValue& value : attribute.attrValue()) {
-    const Attribute& key = attribute.attribute();
-    const ErrorMsg fault = appender.append(key, appender.infoOf(key), value);
+    appender.lookUp(key, attrInfo);
+    const ErrorMsg fault = appender.append(key, attrInfo, value);
     if (fault != ErrorMsg::success) {
       return fault;
     }
