@@ -1,0 +1,142 @@
+// Builds an Access-Request, passes it on as a proxy does, and answers it.
+//
+//   build_packets DICTIONARY SECRET NEXT-SECRET
+//
+// The three packets are printed as hex, a line each, in place of a socket. Exit status: 0 when all
+// could be built, else 1.
+
+#include <array>
+#include <cstdio>
+#include <iostream>
+#include <span>
+#include <stdexcept>
+#include <string>
+#include <string_view>
+
+#include "ZoCrypto/Random.h"
+
+#include "RadiusPacketParser/RadiusPacketConstants.h"
+#include "RadiusPacketParser/RadiusPktBuilder.h"
+
+namespace {
+
+using namespace RadiusPktParserBase;
+using RadiusPacketParser::AttributeConstants;
+using RadiusPacketParser::RadiusAttributeId;
+using RadiusPacketParser::RadiusCode;
+using Verda::Ptr;
+
+constexpr Verda::U8 identifier = 1;
+constexpr std::string_view password = "a password";
+constexpr Attribute tunnelPassword = standardAttribute(69);  // RFC 2868 section 3.5
+constexpr std::string_view tunnelPasswordText = "a password of the tunnel";
+
+/// Adds an attribute behind those that the request has.
+void add(PktInfoBuilder& request, const Attribute& key, const AttrValue& value) {
+  const Ptr<AttrWithValue> attribute = attrWithValueFactory(key);
+  attribute->attrValuePush(value);
+  const auto turn = static_cast<Verda::U16>(request.attributesToAdd().size());
+  request.attributesToAddIs(turn)->attrWithValueIs(attribute);
+}
+
+/// Adds the place of a Message-Authenticator, which needs no value.
+void addMessageAuthenticator(PktInfoBuilder& request) {
+  const Attribute key = standardAttribute(RadiusAttributeId::MESSAGE_AUTHENTICATOR);
+  const auto turn = static_cast<Verda::U16>(request.attributesToAdd().size());
+  request.attributesToAddIs(turn)->attrWithValueIs(attrWithValueFactory(key));
+}
+
+/// What the salted method hides (RFC 2868 section 3.5): salt, a length byte, the text, and zeros up
+/// to whole blocks. The salt's first bit is set, and no two salts of a packet may be alike.
+Verda::String saltedValue(std::string_view text) {
+  std::array<Verda::U8, AttributeConstants::saltLength()> salt{};
+  if (!ZoCrypto::randomBytes(salt)) {
+    throw std::runtime_error("no random bytes");
+  }
+  salt.front() |= 0x80U;
+  std::string value(salt.begin(), salt.end());
+  value += static_cast<char>(text.size());
+  value += text;
+  const std::size_t hidden = value.size() - salt.size();
+  constexpr std::size_t block = AttributeConstants::passwdWordSize();
+  value.append((block - hidden % block) % block, '\0');
+  return Verda::String(value);
+}
+
+/// The packet, or what was wrong as an exception.
+Ptr<Zonet::Pkt> packetOf(const Ptr<PktReturn>& built) {
+  if (built->errorMsg() != ErrorMsg::success) {
+    throw std::runtime_error("not built: " + std::string(stringValue(built->errorMsg())));
+  }
+  return built->pkt();
+}
+
+/// The header of a new packet. That of a request holds its authenticator, which the answer will be
+/// checked with: keep it.
+Ptr<RadiusHdr> headerOf(const RadiusPktBuilder& builder, Verda::U8 code) {
+  const Ptr<RadiusHdrReturn> made = builder.createRadiusHdr(code, identifier);
+  if (made->errorMsg() != ErrorMsg::success) {
+    throw std::runtime_error("no header: " + std::string(stringValue(made->errorMsg())));
+  }
+  return made->hdr();
+}
+
+Ptr<Zonet::Pkt> buildRequest(const RadiusPktBuilder& builder, const Verda::String& secret,
+                             const Ptr<RadiusHdr>& hdr) {
+  const Ptr<PktInfoBuilder> request = pktInfoBuilderFactory();
+  addMessageAuthenticator(*request);
+  add(*request, standardAttribute(RadiusAttributeId::USER_NAME), Verda::String("nemo"));
+  add(*request, standardAttribute(RadiusAttributeId::USER_PASSWORD), Verda::String(password));
+  add(*request, standardAttribute(RadiusAttributeId::NAS_PORT), 3U);
+  return packetOf(builder.createPktFromHdr(secret, Verda::Bytes(), hdr, request));
+}
+
+/// The password is hidden anew, since the next server has another secret.
+Ptr<Zonet::Pkt> passOn(const RadiusPktBuilder& builder, const Verda::String& nextSecret,
+                       const Ptr<Zonet::Pkt>& received) {
+  const Ptr<PktInfoBuilder> changes = pktInfoBuilderFactory();
+  changes->attributesToReplaceIs(standardAttribute(RadiusAttributeId::USER_PASSWORD))
+      ->attrValuePush(Verda::String(password));
+  changes->attributesToRemoveIs(standardAttribute(RadiusAttributeId::NAS_PORT));
+  add(*changes, standardAttribute(RadiusAttributeId::PROXY_STATE), Verda::Bytes{0x17});
+  return packetOf(builder.modifyPkt(received, nextSecret, Verda::Bytes(), changes));
+}
+
+Ptr<Zonet::Pkt> buildAnswer(const RadiusPktBuilder& builder, const Verda::String& secret,
+                            const Verda::Bytes& requestAuthenticator) {
+  const Ptr<PktInfoBuilder> answer = pktInfoBuilderFactory();
+  addMessageAuthenticator(*answer);
+  add(*answer, tunnelPassword, TaggedStr{.str = saltedValue(tunnelPasswordText), .tag = 1});
+  return packetOf(builder.createPktFromHdr(secret, requestAuthenticator,
+                                           headerOf(builder, RadiusCode::ACCESS_ACCEPT), answer));
+}
+
+void print(const Ptr<Zonet::Pkt>& pkt) {
+  for (const Verda::U8 byte : pkt->span()) {
+    std::printf("%02x", byte);
+  }
+  std::printf("\n");
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  const std::span<char*> arguments(argv, static_cast<std::size_t>(argc));
+  if (arguments.size() != 4) {
+    std::cerr << "usage: build_packets DICTIONARY SECRET NEXT-SECRET\n";
+    return 1;
+  }
+  try {
+    const Ptr<RadiusPktBuilder> builder = radiusPktBuilderFactory(
+        RadiusPacketParser::radiusDictionaryParserFactory(arguments[1])->dictionary());
+    const Ptr<RadiusHdr> hdr = headerOf(*builder, RadiusCode::ACCESS_REQUEST);
+    const Ptr<Zonet::Pkt> request = buildRequest(*builder, arguments[2], hdr);
+    print(request);
+    print(passOn(*builder, arguments[3], request));
+    print(buildAnswer(*builder, arguments[2], Verda::Bytes(hdr->authenticator().bytes())));
+    return 0;
+  } catch (const std::exception& fault) {
+    std::cerr << fault.what() << '\n';
+    return 1;
+  }
+}
