@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <optional>
 #include <span>
+#include <utility>
+#include <vector>
 
 #include "Verda/Assert.h"
 #include "Verda/Trace.h"

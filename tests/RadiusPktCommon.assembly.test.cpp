@@ -961,6 +961,31 @@ TEST(AssemblyVendor, GoesOnByTheOuterLengthThatIsWritten) {
               ErrorMsg::invalidAttrLength, {"Attribute: 7 with invalid length 256"});
 }
 
+TEST(AssemblyVendor, IsOverwrittenByAMessageAuthenticatorThatFollows) {
+  const ByteVector value(250, 0xff);
+  expectPacket(build(accessRequest,
+                     RequestMaker().add(vendorOctets, {octets(value)}).addMessageAuthenticator()),
+               PacketMaker(accessRequest).addRaw({26, 2}).addMessageAuthenticator());
+}
+
+TEST(AssemblyVendor, LeavesBytesBehindThatAreTakenForALengthWhereNothingIsWritten) {
+  const ByteVector value(253, 0xff);
+  const ByteVector front{26, 5, 0, 0, 0, 9, 7, 255, 0xff, 0xff, 0xff, 0xff};
+  // Behind the five bytes that the outer Length says, the vendor type stands for a Length of seven.
+  expectPacket(build(accessRequest,
+                     RequestMaker().add(vendorOctets, {octets(value)}).add(eapMessage, {noOctets})),
+               PacketMaker(accessRequest).addRaw(front));
+  // The next is 255, which takes the packet to its longest and no further.
+  for (const std::size_t start : {4096 - 267, 4096 - 266}) {
+    RequestMaker request;
+    fillTo(start, request).add(vendorOctets, {octets(value)}).add(eapMessage, {noOctets, noOctets});
+    const Built built = build(accessRequest, request);
+    EXPECT_EQ(built.result,
+              start == 4096 - 267 ? ErrorMsg::success : ErrorMsg::maxPktLengthExceeded);
+    EXPECT_EQ(built.packet.size(), start == 4096 - 267 ? 4096U : 0U);
+  }
+}
+
 TEST(AssemblyVendor, CountsTheRoomOfTheWholeAttribute) {
   RequestMaker fits;
   fillTo(4096 - 261, fits).add(vendorOctets, {octets(ByteVector(253))});
