@@ -444,7 +444,7 @@ ErrorMsg encryptHelper(U8* data, U32 len, const String& secret, const Bytes& aut
     if (!encrypt) {
       std::ranges::copy(block, hidden.begin());
     }
-    std::ranges::transform(block, keystream, block.begin(), std::bit_xor<U8>());
+    std::ranges::transform(block, keystream, block.begin(), std::bit_xor<>());
     if (encrypt) {
       std::ranges::copy(block, hidden.begin());
     }

@@ -467,6 +467,7 @@ ErrorMsg detail::addAttribute(const AttrValue& value, const Attribute& attribute
   }
 }
 
+// NOLINTNEXTLINE(performance-unnecessary-value-param): the interface takes it by value
 ErrorMsg addAttribute(AttrValue value, Attribute attribute, AttrInfo attrInfo, U8** bufPtr,
                       U16& curLen, const Ptr<const RadiusDict>& /*dict*/) {
   return detail::addAttribute(value, attribute, attrInfo, *bufPtr, curLen);
@@ -493,6 +494,7 @@ ErrorMsg detail::addVsa(const AttrValue& value, const Attribute& attribute,
   return fault;
 }
 
+// NOLINTNEXTLINE(performance-unnecessary-value-param): likewise
 ErrorMsg addVsa(AttrValue value, Attribute attribute, AttrInfo attrInfo, U8* buf, U16 curLen,
                 const Ptr<const RadiusDict>& /*dict*/) {
   return detail::addVsa(value, attribute, attrInfo, buf, curLen);

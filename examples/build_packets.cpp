@@ -32,7 +32,8 @@ constexpr Attribute tunnelPassword = standardAttribute(69);  // RFC 2868 section
 constexpr std::string_view tunnelPasswordText = "a password of the tunnel";
 
 /// Adds an attribute behind those that the request has.
-void add(PktInfoBuilder& request, const Attribute& key, const AttrValue& value) {
+template <typename Value>
+void add(PktInfoBuilder& request, const Attribute& key, const Value& value) {
   const Ptr<AttrWithValue> attribute = attrWithValueFactory(key);
   attribute->attrValuePush(value);
   const auto turn = static_cast<Verda::U16>(request.attributesToAdd().size());

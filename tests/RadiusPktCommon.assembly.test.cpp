@@ -45,6 +45,7 @@ using Verda::U8;
 using ZoCrypto::FaultSeam;
 using ZoCrypto::Primitive;
 using Records = std::vector<CapturedRecord>;
+using Sizes = std::vector<std::size_t>;
 
 constexpr U8 accessRequest = 1;
 constexpr U8 accessAccept = 2;
@@ -382,7 +383,7 @@ TEST(AssemblyMessageAuthenticator, IsKeptWhateverIsAskedForIt) {
 }
 
 TEST(AssemblyMessageAuthenticator, HasARightLengthWhateverLengthTheOldOneHad) {
-  for (const std::size_t size : {0, 15, 16, 17, 253}) {
+  for (const std::size_t size : Sizes{0, 15, 16, 17, 253}) {
     expectPacket(modify(PacketMaker(accessRequest).add(80, ByteVector(size, 7)).make(), {}),
                  PacketMaker(accessRequest).addMessageAuthenticator());
   }
@@ -766,7 +767,7 @@ TEST(AssemblyConcat, FindsAFaultAlsoInARunThatIsPassedOver) {
 }
 
 TEST(AssemblyConcat, SplitsLongValuesBehindOtherAttributes) {
-  for (const std::size_t size : {1, 253, 254, 506, 600}) {
+  for (const std::size_t size : Sizes{1, 253, 254, 506, 600}) {
     SCOPED_TRACE(size);
     PacketMaker expected(accessAccept);
     expected.add(1, textBytes("nemo"));
@@ -787,7 +788,7 @@ TEST(AssemblyConcat, FillsThePacketToItsLastByte) {
       build(accessAccept, RequestMaker().add(eapMessage, {octets(ByteVector(4044, 0x41))}));
   EXPECT_EQ(built.result, ErrorMsg::success);
   EXPECT_EQ(built.packet.size(), 4096U);
-  for (const std::size_t size : {4045, 4076, 4077, 65535}) {
+  for (const std::size_t size : Sizes{4045, 4076, 4077, 65535}) {
     SCOPED_TRACE(size);
     EXPECT_EQ(
         build(accessAccept, RequestMaker().add(eapMessage, {octets(ByteVector(size))})).result,
@@ -902,7 +903,7 @@ TEST(AssemblyNothing, GrowsNeverBeyondTheLongestPacket) {
 
 TEST(AssemblyNothing, LeavesAFullPacketFull) {
   for (const Attribute& nothing : {eapMessage, taggedDate, hiddenTaggedDate}) {
-    for (const std::size_t length : {4095, 4096}) {
+    for (const std::size_t length : Sizes{4095, 4096}) {
       RequestMaker request;
       PacketMaker expected(accessAccept);
       fillTo(length, request).add(nothing, {nothing == eapMessage ? noOctets : taggedNumber});
@@ -976,7 +977,7 @@ TEST(AssemblyVendor, LeavesBytesBehindThatAreTakenForALengthWhereNothingIsWritte
                      RequestMaker().add(vendorOctets, {octets(value)}).add(eapMessage, {noOctets})),
                PacketMaker(accessRequest).addRaw(front));
   // The next is 255, which takes the packet to its longest and no further.
-  for (const std::size_t start : {4096 - 267, 4096 - 266}) {
+  for (const std::size_t start : Sizes{4096 - 267, 4096 - 266}) {
     RequestMaker request;
     fillTo(start, request).add(vendorOctets, {octets(value)}).add(eapMessage, {noOctets, noOctets});
     const Built built = build(accessRequest, request);

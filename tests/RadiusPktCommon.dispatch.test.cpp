@@ -35,6 +35,7 @@ using Verda::U32;
 using Verda::U8;
 using Zonet::IpGenPrefix;
 using Records = std::vector<CapturedRecord>;
+using Sizes = std::vector<std::size_t>;
 
 constexpr U8 untouched = 0xee;
 
@@ -329,7 +330,7 @@ TEST(UserPassword, IsFilledUpWithZerosToWholeBlocks) {
 }
 
 TEST(UserPassword, IsCutAtTheLongestLength) {
-  for (const std::size_t length : {129, 200, 253, 254, 65535}) {
+  for (const std::size_t length : Sizes{129, 200, 253, 254, 65535}) {
     SCOPED_TRACE(length);
     const ByteVector text = countingBytes(length, 1);
     expectAdded(addStandard(Verda::String(std::span<const U8>(text)),
@@ -390,7 +391,7 @@ const AttrInfo& concatInfo() {
 }
 
 TEST(Concat, IsSplitAndLeavesThePositionAtTheLastFragment) {
-  for (const std::size_t size : {1, 252, 253, 254, 255, 506, 507, 600, 4044}) {
+  for (const std::size_t size : Sizes{1, 252, 253, 254, 255, 506, 507, 600, 4044}) {
     SCOPED_TRACE(size);
     const ByteVector value = countingBytes(size, 0);
     std::size_t lastLength = 0;
@@ -426,7 +427,7 @@ TEST(Concat, WritesNothingOfAnEmptyValue) {
 }
 
 TEST(Concat, MovesNothingWhenAFragmentDoesNotFit) {
-  for (const std::size_t size : {4045, 4076, 4077, 65535, 100000}) {
+  for (const std::size_t size : Sizes{4045, 4076, 4077, 65535, 100000}) {
     SCOPED_TRACE(size);
     const Added refused = addStandard(verdaBytes(ByteVector(size)), concatInfo());
     EXPECT_EQ(refused.result, ErrorMsg::maxPktLengthExceeded);

@@ -30,6 +30,7 @@ using Verda::U32;
 using Verda::U8;
 using Zonet::IpGenPrefix;
 using Records = std::vector<CapturedRecord>;
+using Sizes = std::vector<std::size_t>;
 
 /// What a buffer holds where nothing was written.
 constexpr U8 untouched = 0xee;
@@ -190,7 +191,7 @@ TEST(Encoders, WriteNothingThatWouldEndThePacketOneByteLater) {
   for (const EncoderCase& one : encoderCases()) {
     SCOPED_TRACE(std::string(one.name) + ", " + std::to_string(one.expected.size()) + " bytes");
     const std::size_t length = one.expected.size();
-    for (const std::size_t curLen : {4097 - length, std::size_t{4096}, std::size_t{65535}}) {
+    for (const std::size_t curLen : Sizes{4097 - length, 4096, 65535}) {
       const Written refused = write(one.encode, length, static_cast<U16>(curLen));
       EXPECT_EQ(refused.result, ErrorMsg::maxPktLengthExceeded);
       EXPECT_EQ(refused.buffer, ByteVector(length, untouched));
@@ -249,10 +250,10 @@ void expectText(const LengthCase& one, bool isVsa) {
 
 TEST(TextEncoder, WritesUpToTheLongestValue) {
   for (const bool isVsa : bothForms) {
-    for (const std::size_t length : {0, 1, 244, 245, 246, 247, 248, 252, 253}) {
+    for (const std::size_t length : Sizes{0, 1, 244, 245, 246, 247, 248, 252, 253}) {
       expectText({length, false}, isVsa);
     }
-    for (const std::size_t length : {0, 1, 244, 245, 246, 247, 248, 251, 252}) {
+    for (const std::size_t length : Sizes{0, 1, 244, 245, 246, 247, 248, 251, 252}) {
       expectText({length, true}, isVsa);
     }
   }
@@ -261,10 +262,10 @@ TEST(TextEncoder, WritesUpToTheLongestValue) {
 TEST(TextEncoder, RefusesLongerValuesWithoutWrapping) {
   for (const bool isVsa : bothForms) {
     // At 65,534 a length of 16 bits would start again at 0.
-    for (const std::size_t length : {254, 255, 256, 65533, 65534, 65535, 65536}) {
+    for (const std::size_t length : Sizes{254, 255, 256, 65533, 65534, 65535, 65536}) {
       expectText({length, false}, isVsa);
     }
-    for (const std::size_t length : {253, 254, 255, 256, 65533, 65534, 65535}) {
+    for (const std::size_t length : Sizes{253, 254, 255, 256, 65533, 65534, 65535}) {
       expectText({length, true}, isVsa);
     }
   }
@@ -272,7 +273,7 @@ TEST(TextEncoder, RefusesLongerValuesWithoutWrapping) {
 
 TEST(OctetsEncoder, WritesUpToTheLongestValue) {
   for (const bool isVsa : bothForms) {
-    for (const std::size_t length : {0, 1, 244, 245, 246, 247, 248, 249, 250, 251, 252, 253}) {
+    for (const std::size_t length : Sizes{0, 1, 244, 245, 246, 247, 248, 249, 250, 251, 252, 253}) {
       SCOPED_TRACE(testing::Message() << length << " bytes, vendor " << isVsa);
       const ByteVector value = countingBytes(length, 3);
       const Written written = write(octets(value, isVsa), 300, 20);
@@ -285,7 +286,7 @@ TEST(OctetsEncoder, WritesUpToTheLongestValue) {
 
 TEST(OctetsEncoder, RefusesLongerValuesWithoutWrapping) {
   for (const bool isVsa : bothForms) {
-    for (const std::size_t length : {254, 255, 256, 65533, 65534, 65535, 65536}) {
+    for (const std::size_t length : Sizes{254, 255, 256, 65533, 65534, 65535, 65536}) {
       SCOPED_TRACE(testing::Message() << length << " bytes, vendor " << isVsa);
       const Written refused = write(octets(ByteVector(length), isVsa), 300, 20);
       EXPECT_EQ(refused.result, ErrorMsg::invalidAttrLength);
