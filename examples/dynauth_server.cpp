@@ -1,0 +1,166 @@
+// Takes CoA and Disconnect requests (RFC 5176) for the sessions of an access server and answers
+// each with ACK or NAK.
+//
+//   dynauth_server DICTIONARY SECRET-FILE HOST PORT SESSION-ID...
+//
+// HOST is the address to listen at, PORT may be 0 for any. The server says where it listens and
+// what it answers, and runs until it is stopped. Exit status: 3 a fault on this side; 64 wrong
+// usage.
+
+#include <functional>
+#include <iostream>
+#include <map>
+#include <optional>
+#include <set>
+#include <string>
+#include <utility>
+
+#include "RadiusPacketParser/RadiusPktCommon.h"
+#include "examples/CommandLine.h"
+#include "examples/DynAuthRequest.h"
+#include "examples/NewPacket.h"
+#include "examples/SecretFile.h"
+#include "examples/UdpSocket.h"
+
+namespace {
+
+using Example::DynAuthRequest;
+using RadiusPacketParser::RadiusAttributeId;
+using RadiusPacketParser::RadiusCode;
+using RadiusPacketParser::RadiusDynAuthErrorCode;
+using RadiusPktParserBase::ErrorMsg;
+using RadiusPktParserBase::RadiusHdr;
+using Verda::Bytes;
+using Verda::Ptr;
+using Verda::String;
+using Verda::U8;
+
+using ErrorCause = RadiusDynAuthErrorCode::RadiusDynAuthErrorCodeEnum;
+using Sessions = std::set<std::string, std::less<>>;
+
+/// Does what is asked for, or says why not: a Disconnect ends a session, a CoA changes it.
+std::optional<ErrorCause> refusal(U8 code, const DynAuthRequest& request, Sessions& sessions) {
+  const bool isCoa = code == RadiusCode::COA_REQUEST;
+  if (!request.isUnderstood || (request.changesSession && !isCoa)) {
+    return RadiusDynAuthErrorCode::UNSUPPORTED_ATTRIBUTE;
+  }
+  if (!request.sessionId || (isCoa && !request.changesSession)) {
+    return RadiusDynAuthErrorCode::MISSING_ATTRIBUTE;
+  }
+  const auto session = sessions.find(request.sessionId->view());
+  if (session == sessions.end()) {
+    return RadiusDynAuthErrorCode::SESSION_CONTEXT_NOT_FOUND;
+  }
+  if (!isCoa) {
+    sessions.erase(session);
+  }
+  return std::nullopt;
+}
+
+class Server {
+ public:
+  Server(const Ptr<const RadiusPacketParser::RadiusDict>& dictionary, const String& secret,
+         const Sessions& sessions)
+      : parser_(dictionary), builder_(dictionary), secret_(secret), sessions_(sessions) {}
+
+  /// The answer to a datagram. One that does not prove the secret, or is too old, deserves none:
+  /// that throws.
+  Ptr<Zonet::Pkt> answer(const Ptr<Zonet::Pkt>& pkt, const Example::Peer& peer) {
+    const auto header = parser_.getHeader(pkt);
+    check(header->errorMsg());
+    const RadiusHdr& hdr = *header->hdr();
+    if (hdr.code() != RadiusCode::COA_REQUEST && hdr.code() != RadiusCode::DISCONNECT_REQUEST) {
+      throw std::runtime_error("not a request for this server");
+    }
+    const auto request = DynAuthRequest::make();
+    check(parser_.doProcessPkt(pkt, secret_, Bytes(), request));
+    if (!request->isCurrent()) {
+      throw std::runtime_error("too old");
+    }
+    // A client that has not seen the answer sends its request again: it gets the same answer, and
+    // nothing is done twice.
+    Answered& last = answered_[{peer.bytes(), hdr.id()}];
+    if (last.requestAuthenticator != hdr.authenticator()) {
+      last = {hdr.authenticator(), newAnswer(hdr, *request)};
+    }
+    return last.pkt;
+  }
+
+ private:
+  static void check(ErrorMsg result) {
+    if (result != ErrorMsg::success) {
+      throw std::runtime_error(stringValue(result).cStr());
+    }
+  }
+
+  Ptr<Zonet::Pkt> newAnswer(const RadiusHdr& hdr, const DynAuthRequest& request) {
+    const auto errorCause = refusal(hdr.code(), request, sessions_);
+    const bool isCoa = hdr.code() == RadiusCode::COA_REQUEST;
+    const auto ack = isCoa ? RadiusCode::COA_ACK : RadiusCode::DISCONNECT_ACK;
+    const auto nak = isCoa ? RadiusCode::COA_NAK : RadiusCode::DISCONNECT_NAK;
+    const auto code = errorCause ? nak : ack;
+    Example::AttributesToAdd attributes;
+    if (request.msgAuthPresent()) {
+      attributes.addMessageAuthenticator();
+    }
+    if (errorCause) {
+      attributes.add(RadiusAttributeId::ERROR_CAUSE, Verda::U32{*errorCause});
+    }
+    for (const RadiusPktParserBase::AttrValue& state : request.proxyStates) {
+      attributes.add(RadiusAttributeId::PROXY_STATE, state);
+    }
+    std::cout << code;
+    if (errorCause) {
+      std::cout << ' ' << *errorCause;
+    }
+    std::cout << std::endl;
+    return Example::newPacket(builder_, code, hdr.id(), secret_, Bytes(hdr.authenticator().bytes()),
+                              attributes)
+        .pkt;
+  }
+
+  /// The last answer that a client was given under an Identifier.
+  struct Answered {
+    String requestAuthenticator;
+    Ptr<Zonet::Pkt> pkt;
+  };
+
+  Example::DynAuthRequestParser parser_;
+  const RadiusPktParserBase::RadiusPktBuilder builder_;
+  const String secret_;
+  Sessions sessions_;
+  std::map<std::pair<std::string, U8>, Answered> answered_;
+};
+
+[[noreturn]] void run(const Example::CommandLine& line) {
+  const auto dictionary = RadiusPacketParser::radiusDictionaryParserFactory(line[0])->dictionary();
+  const auto sessions = line.arguments().subspan(4);
+  Server server(dictionary, Example::readSecret(line[1]),
+                Sessions(sessions.begin(), sessions.end()));
+  const auto socket = Example::UdpSocket::boundTo(line[2], line[3]);
+  std::cout << "listening at port " << socket.port() << std::endl;
+  for (;;) {
+    Example::Peer peer;
+    const auto pkt = socket.receiveFrom(peer);
+    try {
+      socket.sendTo(peer, *server.answer(pkt, peer));
+    } catch (const std::exception& fault) {
+      std::cerr << "ignored: " << fault.what() << std::endl;
+    }
+  }
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  try {
+    run(Example::CommandLine(argc, argv, "", 4));
+  } catch (const Example::UsageError& fault) {
+    std::cerr << fault.what()
+              << "\nusage: dynauth_server DICTIONARY SECRET-FILE HOST PORT SESSION-ID...\n";
+    return Example::exitUsage;
+  } catch (const std::exception& fault) {
+    std::cerr << fault.what() << '\n';
+    return Example::exitFault;
+  }
+}
