@@ -10,7 +10,6 @@
 #include <functional>
 #include <iostream>
 #include <map>
-#include <optional>
 #include <set>
 #include <string>
 #include <utility>
@@ -39,7 +38,7 @@ using ErrorCause = RadiusDynAuthErrorCode::RadiusDynAuthErrorCodeEnum;
 using Sessions = std::set<std::string, std::less<>>;
 
 /// Does what is asked for, or says why not: a Disconnect ends a session, a CoA changes it.
-std::optional<ErrorCause> refusal(U8 code, const DynAuthRequest& request, Sessions& sessions) {
+ErrorCause outcome(U8 code, const DynAuthRequest& request, Sessions& sessions) {
   const bool isCoa = code == RadiusCode::COA_REQUEST;
   if (!request.isUnderstood || (request.changesSession && !isCoa)) {
     return RadiusDynAuthErrorCode::UNSUPPORTED_ATTRIBUTE;
@@ -54,7 +53,14 @@ std::optional<ErrorCause> refusal(U8 code, const DynAuthRequest& request, Sessio
   if (!isCoa) {
     sessions.erase(session);
   }
-  return std::nullopt;
+  return RadiusDynAuthErrorCode::SUCCESS;
+}
+
+U8 answerCode(U8 requestCode, bool isAck) {
+  if (requestCode == RadiusCode::COA_REQUEST) {
+    return isAck ? RadiusCode::COA_ACK : RadiusCode::COA_NAK;
+  }
+  return isAck ? RadiusCode::DISCONNECT_ACK : RadiusCode::DISCONNECT_NAK;
 }
 
 class Server {
@@ -94,29 +100,24 @@ class Server {
   }
 
   Ptr<Zonet::Pkt> newAnswer(const RadiusHdr& hdr, const DynAuthRequest& request) {
-    const auto errorCause = refusal(hdr.code(), request, sessions_);
-    const bool isCoa = hdr.code() == RadiusCode::COA_REQUEST;
-    const auto ack = isCoa ? RadiusCode::COA_ACK : RadiusCode::DISCONNECT_ACK;
-    const auto nak = isCoa ? RadiusCode::COA_NAK : RadiusCode::DISCONNECT_NAK;
-    const auto code = errorCause ? nak : ack;
+    const ErrorCause cause = outcome(hdr.code(), request, sessions_);
+    const bool isAck = cause == RadiusDynAuthErrorCode::SUCCESS;
     Example::AttributesToAdd attributes;
     if (request.msgAuthPresent()) {
       attributes.addMessageAuthenticator();
     }
-    if (errorCause) {
-      attributes.add(RadiusAttributeId::ERROR_CAUSE, Verda::U32{*errorCause});
+    if (!isAck) {
+      attributes.add(RadiusAttributeId::ERROR_CAUSE, Verda::U32{cause});
     }
     for (const RadiusPktParserBase::AttrValue& state : request.proxyStates) {
       attributes.add(RadiusAttributeId::PROXY_STATE, state);
     }
-    std::cout << code;
-    if (errorCause) {
-      std::cout << ' ' << *errorCause;
-    }
-    std::cout << std::endl;
-    return Example::newPacket(builder_, code, hdr.id(), secret_, Bytes(hdr.authenticator().bytes()),
-                              attributes)
-        .pkt;
+    const U8 code = answerCode(hdr.code(), isAck);
+    const Bytes requestAuthenticator(hdr.authenticator().bytes());
+    const auto answer =
+        Example::newPacket(builder_, code, hdr.id(), secret_, requestAuthenticator, attributes);
+    std::cout << RadiusCode::RadiusCodeEnum{code} << ' ' << cause << std::endl;
+    return answer.pkt;
   }
 
   /// The last answer that a client was given under an Identifier.
