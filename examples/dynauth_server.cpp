@@ -7,10 +7,8 @@
 // what it answers, and runs until it is stopped. Exit status: 3 a fault on this side; 64 wrong
 // usage.
 
-#include <functional>
 #include <iostream>
 #include <map>
-#include <set>
 #include <string>
 #include <utility>
 
@@ -19,6 +17,7 @@
 #include "examples/DynAuthRequest.h"
 #include "examples/NewPacket.h"
 #include "examples/SecretFile.h"
+#include "examples/Sessions.h"
 #include "examples/UdpSocket.h"
 
 namespace {
@@ -35,26 +34,6 @@ using Verda::String;
 using Verda::U8;
 
 using ErrorCause = RadiusDynAuthErrorCode::RadiusDynAuthErrorCodeEnum;
-using Sessions = std::set<std::string, std::less<>>;
-
-/// Does what is asked for, or says why not: a Disconnect ends a session, a CoA changes it.
-ErrorCause outcome(U8 code, const DynAuthRequest& request, Sessions& sessions) {
-  const bool isCoa = code == RadiusCode::COA_REQUEST;
-  if (!request.isUnderstood || (request.changesSession && !isCoa)) {
-    return RadiusDynAuthErrorCode::UNSUPPORTED_ATTRIBUTE;
-  }
-  if (!request.sessionId || (isCoa && !request.changesSession)) {
-    return RadiusDynAuthErrorCode::MISSING_ATTRIBUTE;
-  }
-  const auto session = sessions.find(request.sessionId->view());
-  if (session == sessions.end()) {
-    return RadiusDynAuthErrorCode::SESSION_CONTEXT_NOT_FOUND;
-  }
-  if (!isCoa) {
-    sessions.erase(session);
-  }
-  return RadiusDynAuthErrorCode::SUCCESS;
-}
 
 U8 answerCode(U8 requestCode, bool isAck) {
   if (requestCode == RadiusCode::COA_REQUEST) {
@@ -66,7 +45,7 @@ U8 answerCode(U8 requestCode, bool isAck) {
 class Server {
  public:
   Server(const Ptr<const RadiusPacketParser::RadiusDict>& dictionary, const String& secret,
-         const Sessions& sessions)
+         const Example::Sessions& sessions)
       : parser_(dictionary), builder_(dictionary), secret_(secret), sessions_(sessions) {}
 
   /// The answer to a datagram. One that does not prove the secret, or is too old, deserves none:
@@ -100,7 +79,7 @@ class Server {
   }
 
   Ptr<Zonet::Pkt> newAnswer(const RadiusHdr& hdr, const DynAuthRequest& request) {
-    const ErrorCause cause = outcome(hdr.code(), request, sessions_);
+    const ErrorCause cause = sessions_.obey(hdr.code(), request);
     const bool isAck = cause == RadiusDynAuthErrorCode::SUCCESS;
     Example::AttributesToAdd attributes;
     if (request.msgAuthPresent()) {
@@ -129,7 +108,7 @@ class Server {
   Example::DynAuthRequestParser parser_;
   const RadiusPktParserBase::RadiusPktBuilder builder_;
   const String secret_;
-  Sessions sessions_;
+  Example::Sessions sessions_;
   std::map<std::pair<std::string, U8>, Answered> answered_;
 };
 
@@ -137,7 +116,7 @@ class Server {
   const auto dictionary = RadiusPacketParser::radiusDictionaryParserFactory(line[0])->dictionary();
   const auto sessions = line.arguments().subspan(4);
   Server server(dictionary, Example::readSecret(line[1]),
-                Sessions(sessions.begin(), sessions.end()));
+                Example::Sessions({sessions.begin(), sessions.end()}));
   const auto socket = Example::UdpSocket::boundTo(line[2], line[3]);
   std::cout << "listening at port " << socket.port() << std::endl;
   for (;;) {
