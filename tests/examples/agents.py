@@ -3,6 +3,7 @@ dictionary."""
 
 import os
 import pathlib
+import re
 import select
 import socket
 import subprocess
@@ -62,10 +63,28 @@ class Agent:
         self.process.kill()
         self.process.communicate()
 
+    def output_line(self):
+        return self.process.stdout.readline().decode()
+
+    def fault_line(self):
+        """The next line in which the agent says why it ignores a datagram; the library traces its
+        own reasons in between."""
+        for line in self.process.stderr:
+            if line.startswith(b"ignored: "):
+                return line.decode()
+        raise RuntimeError("the agent has ended")
+
     def result(self):
         """Exit status, output and errors, once it has ended."""
         output, errors = self.process.communicate(timeout=2 * PATIENCE_SECONDS)
         return self.process.returncode, output.decode(), errors.decode()
+
+
+def without_signature(output):
+    """What the authentication client prints, without the digest, which no test can know
+    beforehand."""
+    return re.sub(r"^  Message-Authenticator = 0x[0-9a-f]{32}$", "  Message-Authenticator", output,
+                  flags=re.MULTILINE)
 
 
 def ignored(errors):

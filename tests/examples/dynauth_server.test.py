@@ -35,18 +35,9 @@ class DynAuthServer(unittest.TestCase):
         self.server = self.enterContext(Agent("dynauth_server", DICTIONARY, SECRET_FILE, HOST, 0,
                                               "session-1", "session-2"))
         self.client = self.enterContext(udp_socket())
-        listening = re.fullmatch(r"listening at port (\d+)\n", self.output_line())
+        listening = re.fullmatch(r"listening at port (\d+)\n", self.server.output_line())
         self.client.connect((HOST, int(listening[1])))
         self.identifier = 0
-
-    def output_line(self):
-        return self.server.process.stdout.readline().decode()
-
-    def errors_line(self):
-        """The next line of the agent itself; the library traces its reasons in between."""
-        while not (line := self.server.process.stderr.readline().decode()).startswith("ignored: "):
-            self.assertNotEqual(line, "")
-        return line
 
     def exchange(self, request):
         self.client.send(request)
@@ -63,7 +54,7 @@ class DynAuthServer(unittest.TestCase):
         self.assertTrue(has_good_authenticator(answer, authenticator(request)))
         self.assertEqual(attributes(answer), list(content))
         cause = int.from_bytes(dict(content).get(ERROR_CAUSE, number(SUCCESS)), "big")
-        self.assertEqual(self.output_line(), f"{NAMES[code]} {NAMES[cause]}\n")
+        self.assertEqual(self.server.output_line(), f"{NAMES[code]} {NAMES[cause]}\n")
         return answer
 
     def check_nak(self, request, code, cause):
@@ -151,7 +142,7 @@ class DynAuthServer(unittest.TestCase):
             with self.subTest(seconds):
                 self.client.send(self.request(DISCONNECT_REQUEST, SESSION,
                                               attribute(EVENT_TIMESTAMP, number(seconds))))
-                self.assertEqual(self.errors_line(), "ignored: too old\n")
+                self.assertEqual(self.server.fault_line(), "ignored: too old\n")
         self.check_session_is_there()
 
     def test_answers_no_stranger(self):
@@ -173,14 +164,14 @@ class DynAuthServer(unittest.TestCase):
                   for code in (0, 1, 2, 3, 4, 5, 11, 12, 41, 42, 44, 45, 255))):
             with self.subTest(datagram.hex()):
                 self.client.send(datagram)
-                self.assertEqual(self.errors_line(), f"ignored: {fault}\n")
+                self.assertEqual(self.server.fault_line(), f"ignored: {fault}\n")
         self.check_session_is_there()
 
     def test_outlives_a_request_whose_answer_has_no_room(self):
         states = [attribute(PROXY_STATE, bytes(253))] * 15
         states.append(attribute(PROXY_STATE, bytes(4096 - 20 - sum(map(len, states)) - 2)))
         self.client.send(self.request(DISCONNECT_REQUEST, *states))
-        self.assertEqual(self.errors_line(), "ignored: no packet: maxPktLengthExceeded\n")
+        self.assertEqual(self.server.fault_line(), "ignored: no packet: maxPktLengthExceeded\n")
         self.check_session_is_there()
 
 
