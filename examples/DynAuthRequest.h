@@ -44,7 +44,7 @@ class DynAuthRequestParser : public RadiusPktParserBase::RadiusPktParser {
                           RadiusPktParserBase::AttrInfo /*info*/,
                           const Verda::Ptr<RadiusPktParserBase::PktInfoParser>& sink) override {
     using RadiusPacketParser::RadiusAttributeId;
-    DynAuthRequest& request = static_cast<DynAuthRequest&>(*sink);
+    auto& request = static_cast<DynAuthRequest&>(*sink);
     switch (attr.attrId) {
       case RadiusAttributeId::ACCT_SESSION_ID:
         request.sessionId = std::get<Verda::String>(value);

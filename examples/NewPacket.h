@@ -2,6 +2,9 @@
 
 #include <stdexcept>
 #include <string>
+#include <string_view>
+#include <utility>
+#include <variant>
 
 #include "Verda/Bytes.h"
 #include "Verda/Ptr.h"
@@ -25,6 +28,9 @@ class AttributesToAdd {
   void add(Verda::U8 attrId, const RadiusPktParserBase::AttrValue& value) {
     add(RadiusPktParserBase::standardAttribute(attrId), value);
   }
+  void addText(Verda::U8 attrId, std::string_view text) {
+    add(attrId, RadiusPktParserBase::AttrValue(std::in_place_type<Verda::String>, text));
+  }
   /// A place for it: the build computes the value, once all other bytes are there.
   void addMessageAuthenticator() {
     next(RadiusPktParserBase::standardAttribute(
@@ -36,7 +42,7 @@ class AttributesToAdd {
  private:
   Verda::Ptr<RadiusPktParserBase::AttrWithValue> next(
       const RadiusPktParserBase::Attribute& attribute) {
-    const auto added = RadiusPktParserBase::attrWithValueFactory(attribute);
+    auto added = RadiusPktParserBase::attrWithValueFactory(attribute);
     toBuild_->attributesToAddIs(nextKey_++)->attrWithValueIs(added);
     return added;
   }

@@ -53,9 +53,9 @@ Example::AttributesToAdd record(U32 status, const Usage& usage, const char* user
                                 const char* sessionId) {
   Example::AttributesToAdd attributes;
   attributes.add(RadiusAttributeId::ACCT_STATUS_TYPE, status);
-  attributes.add(RadiusAttributeId::ACCT_SESSION_ID, String(sessionId));
-  attributes.add(RadiusAttributeId::USER_NAME, String(user));
-  attributes.add(RadiusAttributeId::NAS_IDENTIFIER, String("example-nas"));
+  attributes.addText(RadiusAttributeId::ACCT_SESSION_ID, sessionId);
+  attributes.addText(RadiusAttributeId::USER_NAME, user);
+  attributes.addText(RadiusAttributeId::NAS_IDENTIFIER, "example-nas");
   attributes.add(RadiusAttributeId::EVENT_TIMESTAMP, static_cast<U32>(std::time(nullptr)));
   if (status == RadiusAccountingStatus::START) {
     return attributes;

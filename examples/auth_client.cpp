@@ -76,7 +76,7 @@ void addPassword(std::string password, Example::AttributesToAdd& attributes) {
   if (password.empty()) {
     password.assign(AttributeConstants::minPasswdSize(), '\0');
   }
-  attributes.add(RadiusAttributeId::USER_PASSWORD, String(password));
+  attributes.addText(RadiusAttributeId::USER_PASSWORD, password);
 }
 
 Example::AttributesToAdd accessRequest(const Example::CommandLine& line) {
@@ -84,13 +84,13 @@ Example::AttributesToAdd accessRequest(const Example::CommandLine& line) {
   std::getline(std::cin, password);
   Example::AttributesToAdd attributes;
   attributes.addMessageAuthenticator();  // first, so that nobody can put anything in front of it
-  attributes.add(RadiusAttributeId::USER_NAME, String(line[4]));
+  attributes.addText(RadiusAttributeId::USER_NAME, line[4]);
   if (line.has('c')) {
     addChapPassword(password, attributes);
   } else {
     addPassword(password, attributes);
   }
-  attributes.add(RadiusAttributeId::NAS_IDENTIFIER, String("example-nas"));
+  attributes.addText(RadiusAttributeId::NAS_IDENTIFIER, "example-nas");
   return attributes;
 }
 

@@ -32,7 +32,7 @@ using Verda::U8;
 Example::AttributesToAdd statusServer() {
   Example::AttributesToAdd attributes;
   attributes.addMessageAuthenticator();
-  attributes.add(RadiusAttributeId::NAS_IDENTIFIER, String("example-nas"));
+  attributes.addText(RadiusAttributeId::NAS_IDENTIFIER, "example-nas");
   return attributes;
 }
 

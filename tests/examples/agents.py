@@ -1,6 +1,7 @@
 """Runs the example agents on loopback. Every test is given the folder of the agents and the
 dictionary."""
 
+import concurrent.futures
 import os
 import pathlib
 import re
@@ -9,6 +10,7 @@ import socket
 import subprocess
 import sys
 import tempfile
+import threading
 
 from packets import SECRET
 
@@ -46,20 +48,23 @@ def udp_socket():
 
 
 class Agent:
-    """A running agent. It ends with the block."""
+    """A running agent. It ends with the block, or when patience does."""
 
     def __init__(self, name, *arguments, stdin=b""):
         self.process = subprocess.Popen([AGENTS / name, *map(str, arguments)],
                                         stdin=subprocess.PIPE, stdout=subprocess.PIPE,
                                         stderr=subprocess.PIPE)
+        self.watchdog = threading.Timer(2 * PATIENCE_SECONDS, self.process.kill)
+        self.watchdog.start()
         self.process.stdin.write(stdin)
         self.process.stdin.close()
-        self.process.stdin = None
+        self.process.stdin = None  # what communicate() would close once more
 
     def __enter__(self):
         return self
 
     def __exit__(self, *_):
+        self.watchdog.cancel()
         self.process.kill()
         self.process.communicate()
 
@@ -76,7 +81,7 @@ class Agent:
 
     def result(self):
         """Exit status, output and errors, once it has ended."""
-        output, errors = self.process.communicate(timeout=2 * PATIENCE_SECONDS)
+        output, errors = self.process.communicate()
         return self.process.returncode, output.decode(), errors.decode()
 
 
@@ -127,6 +132,14 @@ class Server:
     def send(self, *answers):
         for one in answers:
             self.socket.sendto(one, self.sender)
+
+    def result_under_flood(self, client, datagram):
+        """What becomes of a client to which the datagram is sent again and again."""
+        with concurrent.futures.ThreadPoolExecutor() as pool:
+            result = pool.submit(client.result)
+            while not result.done():
+                self.send(datagram)
+            return result.result()
 
     def requests_left(self):
         """What lies in the socket when nobody sends any more."""

@@ -151,6 +151,14 @@ class AuthClient(unittest.TestCase):
         self.assertEqual(len(requests), 3)
         self.assertEqual(set(requests), {requests[0]})
 
+    def test_gives_up_in_time_however_much_a_stranger_sends(self):
+        with Server() as server:
+            with server.client("auth_client", "-n", "2", *SHORT_WAIT,
+                               arguments=["alice"]) as client:
+                server.receive()
+                status, output, _ = server.result_under_flood(client, b"not a packet")
+        self.assertEqual((status, output), (EXIT_NO_ANSWER, ""))
+
     def test_does_not_believe_that_the_port_is_closed(self):
         with Server() as server:
             port = server.port
