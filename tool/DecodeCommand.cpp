@@ -1,26 +1,15 @@
 #include "tool/DecodeCommand.h"
 
 #include <algorithm>
-#include <string_view>
 
-#include <fmt/format.h>
-
-#include "RadiusPacketParser/RadiusPacketConstants.h"
-#include "tool/HexInput.h"
-#include "tool/InputFormat.h"
 #include "tool/JsonOutput.h"
 #include "tool/PacketDecoder.h"
-#include "tool/PacketInput.h"
 #include "tool/PairingDecoder.h"
+#include "tool/Refusal.h"
 #include "tool/StandardStreams.h"
 #include "tool/TextOutput.h"
-#include "tool/ToolError.h"
 
 namespace RadiusPacketTool {
-
-using RadiusPacketParser::PacketConstants;
-using RadiusPktParserBase::ErrorMsg;
-
 namespace {
 
 constexpr const char* footer =
@@ -45,28 +34,7 @@ constexpr const char* footer =
     "packet is refused for another fault; 3 the dictionary does not load; 64 wrong usage; 66\n"
     "unreadable input; 74 standard output cannot be written.";
 
-/// The format of that name, or null.
-const InputFormat* formatFind(std::string_view name) {
-  const auto found =
-      std::ranges::find(inputFormats, name, &decltype(inputFormats)::value_type::first);
-  return found == inputFormats.end() ? nullptr : &found->second;
-}
-
-/// What is wrong with a format's name, without the name: it may be a secret that went astray.
-std::string formatFault(const std::string& name) {
-  return formatFind(name) != nullptr ? "" : "the formats are auto, hex and binary";
-}
-
-/// Says why a source was not read as hex, when what came of it is no packet at all: it may have
-/// been meant as hex.
-void explainBinary(const PacketSource& source, const PacketReport& report) {
-  if (source.whyBinary.has_value() && report.error == ErrorMsg::invalidPktLength) {
-    complain(fmt::format("{} is taken as binary, for it is no hex text: line {}: {}", source.name,
-                         source.whyBinary->line(), source.whyBinary->what()));
-  }
-}
-
-/// Prints reports one behind the other, and says on standard error which packets are refused.
+/// Prints reports one behind the other.
 class ReportPrinter {
  public:
   ReportPrinter(bool json, const OutputOptions& options) : json_(json), options_(options) {}
@@ -81,9 +49,6 @@ class ReportPrinter {
       writeOutput(textOf(report, options_));
     }
     isFirst_ = false;
-    if (!isAccepted(report)) {
-      complain(fmt::format("{} refused: {}", placeText(report.place), faultText(report)));
-    }
     exitCode_ = std::max(exitCode_, exitCodeOf(report));
   }
 
@@ -100,32 +65,22 @@ class ReportPrinter {
 
 DecodeCommand::DecodeCommand(CLI::App& program)
     : Command(program, "decode", "Decodes received packets and prints what they hold"),
-      secret_(app()) {
-  app()
-      .add_option("-d", dictionaryPath_, "Top file of the dictionary; our own set by default")
-      ->type_name("TOPFILE");
-  requestAuthenticatorOption_ =
-      app()
-          .add_option("-a", requestAuthenticatorText_,
-                      "Authenticator of the request that the packets answer: 16 bytes")
-          ->type_name("HEX");
-  app()
-      .add_option("-f", format_, "Format of the input; auto by default")
-      ->type_name("FORMAT")
-      ->check(formatFault, "{auto,hex,binary}");
+      secret_(app()),
+      dictionary_(app()),
+      requestAuthenticator_(app()),
+      files_(app()) {
   app().add_flag("--json", json_, "Print one JSON object per packet and line");
   app().add_flag("--status-server", outputOptions_.statusServer,
                  "Add the verdict of the Status-Server rules on packets of code 12");
-  app().add_option("FILE", files_, "Files to read")->type_name("");
   app().footer(footer);
 }
 
 ExitCode DecodeCommand::run() {
-  const Verda::Bytes given = givenAuthenticator();
-  checkStandardInput();
+  const Verda::Bytes given = requestAuthenticator_.authenticator();
+  files_.checkStandardInput(secret_);
   const Secret secret = secret_.secret();
-  const LoadedDictionary loaded = loadDictionary(dictionaryPath_);
-  const std::vector<PacketSource> sources = readPackets(files_, *formatFind(format_));
+  const LoadedDictionary loaded = dictionary_.load();
+  const std::vector<PacketSource> sources = files_.read();
   const PacketDecoder decoder(loaded.loader->dictionary(), secret);
   PairingDecoder pairing(decoder, given);
   ReportPrinter printer(json_, outputOptions_);
@@ -134,36 +89,10 @@ ExitCode DecodeCommand::run() {
       const PacketReport report =
           pairing.decode({.source = source.name, .index = at + 1}, source.packets[at]);
       printer.print(report);
-      explainBinary(source, report);
+      complainIfRefused(source, report);
     }
   }
   return printer.exitCode();
-}
-
-/// Throws `ToolError` when both the secret and packets would come from standard input.
-void DecodeCommand::checkStandardInput() const {
-  if (secret_.readsStandardInput() && readsStandardInput(files_)) {
-    throw ToolError(ExitCode::usage,
-                    "standard input (-) cannot give both the secret and the packets");
-  }
-}
-
-/// Empty when none is given. Throws `ToolError` for anything but one authenticator in hex.
-Verda::Bytes DecodeCommand::givenAuthenticator() const {
-  if (requestAuthenticatorOption_->count() == 0) {
-    return {};
-  }
-  try {
-    const auto parsed = parseHex(requestAuthenticatorText_);
-    if (parsed.size() == 1 && parsed.front().size() == PacketConstants::authLength()) {
-      return {std::span<const Verda::U8>(parsed.front())};
-    }
-  } catch (const BadHex&) {
-    // What is no hex is as wrong as hex of another length.
-  }
-  throw ToolError(ExitCode::usage,
-                  fmt::format("-a takes {} bytes in hex: the Request Authenticator",
-                              PacketConstants::authLength()));
 }
 
 }  // namespace RadiusPacketTool

@@ -1,15 +1,12 @@
 #pragma once
 
-#include <string>
-#include <vector>
-
 #include <CLI/CLI.hpp>
 
-#include "Verda/Bytes.h"
-
 #include "tool/Command.h"
-#include "tool/DictionaryLoading.h"
+#include "tool/DictionaryOption.h"
 #include "tool/OutputOptions.h"
+#include "tool/PacketFilesOption.h"
+#include "tool/RequestAuthenticatorOption.h"
 #include "tool/SecretOption.h"
 
 namespace RadiusPacketTool {
@@ -22,17 +19,12 @@ class DecodeCommand final : public Command {
   ExitCode run() override;
 
  private:
-  Verda::Bytes givenAuthenticator() const;
-  void checkStandardInput() const;
-
   SecretOption secret_;
-  CLI::Option* requestAuthenticatorOption_;
-  std::string requestAuthenticatorText_;
-  std::string dictionaryPath_ = defaultDictionaryPath();
-  std::string format_ = "auto";
+  DictionaryOption dictionary_;
+  RequestAuthenticatorOption requestAuthenticator_;
+  PacketFilesOption files_;
   bool json_ = false;
   OutputOptions outputOptions_;
-  std::vector<std::string> files_;
 };
 
 }  // namespace RadiusPacketTool

@@ -7,6 +7,7 @@
 #include "Verda/Escape.h"
 
 #include "RadiusPacketParser/RadiusPacketConstants.h"
+#include "tool/HexText.h"
 
 namespace RadiusPacketTool {
 
@@ -26,20 +27,6 @@ bool isControl(char c) {
   constexpr U8 deleteCharacter = 0x7f;
   const auto byte = static_cast<U8>(c);
   return byte < firstPrintable || byte == deleteCharacter;
-}
-
-std::optional<U8> digitValue(char c) {
-  constexpr int ten = 10;
-  if (c >= '0' && c <= '9') {
-    return static_cast<U8>(c - '0');
-  }
-  if (c >= 'a' && c <= 'f') {
-    return static_cast<U8>(c - 'a' + ten);
-  }
-  if (c >= 'A' && c <= 'F') {
-    return static_cast<U8>(c - 'A' + ten);
-  }
-  return std::nullopt;
 }
 
 }  // namespace
@@ -88,7 +75,7 @@ void HexReader::takePacketCharacter(char c) {
   if (c == ':') {
     return;
   }
-  if (const std::optional<U8> digit = digitValue(c)) {
+  if (const std::optional<U8> digit = hexDigitValue(c)) {
     takeDigit(*digit);
   } else {
     refuseCharacter(c, "is no hex digit");

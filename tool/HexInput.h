@@ -2,25 +2,20 @@
 
 #include <cstddef>
 #include <optional>
-#include <stdexcept>
 #include <string>
 #include <string_view>
 #include <vector>
 
 #include "Verda/Types.h"
 
+#include "tool/BadLine.h"
+
 namespace RadiusPacketTool {
 
-/// A text that is not hex; `what()` says what is wrong with it.
-class BadHex : public std::runtime_error {
+/// A text that is not hex.
+class BadHex : public BadLine {
  public:
-  BadHex(std::size_t line, const std::string& message) : std::runtime_error(message), line_(line) {}
-
-  /// The line at fault, from 1.
-  std::size_t line() const { return line_; }
-
- private:
-  std::size_t line_;
+  using BadLine::BadLine;
 };
 
 /// What a comment may hold: any bytes, or no control bytes but white space.

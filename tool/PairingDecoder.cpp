@@ -5,17 +5,14 @@ namespace RadiusPacketTool {
 using Verda::Bytes;
 
 PairingDecoder::PairingDecoder(const PacketDecoder& decoder, const Bytes& given)
-    : decoder_(decoder), given_(given) {}
+    : decoder_(decoder), requests_(given) {}
 
 PacketReport PairingDecoder::decode(const PacketPlace& place, std::span<const Verda::U8> packet) {
   const PacketHeader header = headerOf(packet);
-  const EarlierRequest* request = given_.empty() ? requests_.answeredBy(header) : nullptr;
-  PacketReport report =
-      decoder_.decode(packet, request == nullptr ? given_ : request->authenticator);
+  const RequestAuthenticator request = requests_.of(header);
+  PacketReport report = decoder_.decode(packet, request.bytes);
   report.place = place;
-  if (request != nullptr) {
-    report.pairedWith = request->place;
-  }
+  report.pairedWith = request.pairedWith;
   requests_.take(place, header);
   return report;
 }

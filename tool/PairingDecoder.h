@@ -5,9 +5,9 @@
 #include "Verda/Bytes.h"
 #include "Verda/Types.h"
 
-#include "tool/EarlierRequests.h"
 #include "tool/PacketDecoder.h"
 #include "tool/PacketReport.h"
+#include "tool/RequestAuthenticators.h"
 
 namespace RadiusPacketTool {
 
@@ -25,8 +25,7 @@ class PairingDecoder {
 
  private:
   const PacketDecoder& decoder_;
-  Verda::Bytes given_;
-  EarlierRequests requests_;
+  RequestAuthenticators requests_;
 };
 
 }  // namespace RadiusPacketTool

@@ -15,16 +15,13 @@
 
 #include "RadiusPacketParser/RadiusPacketConstants.h"
 #include "RadiusPacketParser/RadiusPktCommon.h"
+#include "tool/AttributeEnumeration.h"
 #include "tool/HexText.h"
 
 namespace RadiusPacketTool {
 
 using RadiusPacketParser::AttributeConstants;
-using RadiusPacketParser::RadiusAccountingStatus;
-using RadiusPacketParser::RadiusAttributeId;
 using RadiusPacketParser::RadiusAttributeType;
-using RadiusPacketParser::RadiusDynAuthErrorCode;
-using RadiusPacketParser::RadiusServiceTypeValue;
 using RadiusPktParserBase::Attribute;
 using RadiusPktParserBase::AttrInfo;
 using RadiusPktParserBase::ipv6PrefixLengthOffset;
@@ -43,20 +40,6 @@ std::string_view textView(ByteView bytes) {
 }
 
 // ---- Numbers ----
-
-/// The enumeration that names the values of a standard attribute, or null.
-const Tyl::EnumerationTable* enumerationOf(const Attribute& key) {
-  switch (key.attrId) {
-    case RadiusAttributeId::SERVICE_TYPE:
-      return &RadiusServiceTypeValue::enumerationTable();
-    case RadiusAttributeId::ACCT_STATUS_TYPE:
-      return &RadiusAccountingStatus::enumerationTable();
-    case RadiusAttributeId::ERROR_CAUSE:
-      return &RadiusDynAuthErrorCode::enumerationTable();
-    default:
-      return nullptr;
-  }
-}
 
 std::string_view enumeratorName(const Attribute& key, U32 number) {
   if (const Tyl::EnumerationTable* table = enumerationOf(key)) {

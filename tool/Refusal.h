@@ -1,0 +1,12 @@
+#pragma once
+
+#include "tool/PacketReport.h"
+#include "tool/PacketSource.h"
+
+namespace RadiusPacketTool {
+
+/// Says on standard error that a packet is refused, and why, when it is; and, where that may be the
+/// cause, why its source was not read as hex.
+void complainIfRefused(const PacketSource& source, const PacketReport& report);
+
+}  // namespace RadiusPacketTool
