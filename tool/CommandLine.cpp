@@ -9,8 +9,10 @@
 
 #include <CLI/CLI.hpp>
 
+#include "tool/BuildCommand.h"
 #include "tool/DecodeCommand.h"
 #include "tool/DictionaryCheckCommand.h"
+#include "tool/EditCommand.h"
 #include "tool/InputFile.h"
 #include "tool/StandardStreams.h"
 #include "tool/ToolError.h"
@@ -97,14 +99,17 @@ ExitCode endOfParsing(const CLI::App& program, const CLI::ParseError& end) {
 }
 
 ExitCode run(std::span<const char* const> arguments) {
-  CLI::App program("Decodes RADIUS packets and says what is wrong with them.", "radius-packet");
+  CLI::App program("Decodes, builds and edits RADIUS packets, and says what is wrong with them.",
+                   "radius-packet");
   program.set_version_flag("--version", "radius-packet " PROGRAM_VERSION);
   program.require_subcommand(1);
   program.failure_message(CLI::FailureMessage::simple);
   DecodeCommand decode(program);
+  BuildCommand build(program);
+  EditCommand edit(program);
   CLI::App& dictionaryCommands = addCommandGroup(program, "dictionary", "Looks into dictionaries");
   DictionaryCheckCommand dictionaryCheck(dictionaryCommands);
-  const auto commands = std::to_array<Command*>({&decode, &dictionaryCheck});
+  const auto commands = std::to_array<Command*>({&decode, &build, &edit, &dictionaryCheck});
   try {
     program.parse(parserArguments(arguments));
   } catch (const CLI::ParseError& end) {

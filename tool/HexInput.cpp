@@ -7,6 +7,7 @@
 #include "Verda/Escape.h"
 
 #include "RadiusPacketParser/RadiusPacketConstants.h"
+#include "tool/ControlByte.h"
 #include "tool/HexText.h"
 
 namespace RadiusPacketTool {
@@ -20,13 +21,6 @@ constexpr std::string_view whiteSpace = " \t\n\v\f\r";
 
 bool isWhiteSpace(char c) {
   return whiteSpace.find(c) != std::string_view::npos;
-}
-
-bool isControl(char c) {
-  constexpr U8 firstPrintable = 0x20;
-  constexpr U8 deleteCharacter = 0x7f;
-  const auto byte = static_cast<U8>(c);
-  return byte < firstPrintable || byte == deleteCharacter;
 }
 
 }  // namespace

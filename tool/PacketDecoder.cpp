@@ -9,6 +9,8 @@
 #include "RadiusPacketParser/RadiusPktParserTest.h"
 #include "tool/AttributeName.h"
 #include "tool/FaultTrace.h"
+#include "tool/PacketHeader.h"
+#include "tool/RequestAuthenticators.h"
 #include "tool/ValueText.h"
 
 namespace RadiusPacketTool {
@@ -91,7 +93,7 @@ TYL_ENTITY_TYPE(RecordingParser)
 
 /// What is known of the authenticator of a packet whose header is in order.
 Check checkedAuthenticator(U8 code, ErrorMsg error) {
-  if (code == RadiusCode::ACCESS_REQUEST || code == RadiusCode::STATUS_SERVER) {
+  if (hasRandomAuthenticator(code)) {
     return Check::unchecked;
   }
   switch (error) {
@@ -131,8 +133,7 @@ PacketReport PacketDecoder::decode(ByteView packet, const Bytes& requestAuthenti
     report.reason = trace.reason();
   } else if (!isRequest(header->hdr()->code()) && requestAuthenticator.empty()) {
     report.authenticatorCheck = Check::unchecked;
-    report.reason =
-        "no Request Authenticator: give that of the request which this packet answers with -a HEX";
+    report.reason = noRequestAuthenticator;
   } else {
     walk(pkt, *header->hdr(), requestAuthenticator, trace, report);
   }

@@ -7,8 +7,13 @@
 namespace RadiusPacketTool {
 
 using RadiusPacketParser::PacketConstants;
+using RadiusPacketParser::RadiusCode;
 using Verda::U16;
 using Verda::U8;
+
+bool hasRandomAuthenticator(U8 code) {
+  return code == RadiusCode::ACCESS_REQUEST || code == RadiusCode::STATUS_SERVER;
+}
 
 PacketHeader headerOf(std::span<const U8> packet) {
   PacketHeader header;

@@ -16,6 +16,9 @@ struct PacketHeader {
   std::optional<std::vector<Verda::U8>> authenticator;
 };
 
+/// Whether the authenticator of a packet of that code is random, and no digest of the packet.
+bool hasRandomAuthenticator(Verda::U8 code);
+
 /// The fields as the bytes say; whether they are in order is the library's to judge.
 PacketHeader headerOf(std::span<const Verda::U8> packet);
 

@@ -10,6 +10,10 @@
 
 namespace RadiusPacketTool {
 
+/// What is said of a response when none is known.
+inline constexpr const char* noRequestAuthenticator =
+    "no Request Authenticator: give that of the request which this packet answers with -a HEX";
+
 /// The authenticator of the request that a response answers, and where it comes from.
 struct RequestAuthenticator {
   Verda::Bytes bytes;                     ///< empty when none is known

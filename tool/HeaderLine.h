@@ -1,0 +1,28 @@
+#pragma once
+
+#include <optional>
+#include <string_view>
+#include <vector>
+
+#include "Verda/Types.h"
+
+namespace RadiusPacketTool {
+
+/// What the first line of a packet in text form says that a build can use.
+struct HeaderLine {
+  Verda::U8 code = 0;
+  Verda::U8 id = 0;
+  std::vector<Verda::U8> authenticator;  ///< 16 bytes, or empty when the line gives none
+
+  bool operator==(const HeaderLine&) const = default;
+};
+
+/// Whether a line can only be meant as a header line: it begins with a word and `, id `, which no
+/// attribute does.
+bool looksLikeHeaderLine(std::string_view line);
+
+/// Reads `CODE, id N[, length N][, authenticator HEX]...`; what stands behind these is not looked
+/// at. Nothing when the line is none.
+std::optional<HeaderLine> headerLineOf(std::string_view line);
+
+}  // namespace RadiusPacketTool

@@ -1,0 +1,170 @@
+#include "tool/PacketEditor.h"
+
+#include <algorithm>
+#include <optional>
+#include <utility>
+
+#include <fmt/format.h>
+
+#include "Zonet/Pkt.h"
+
+#include "RadiusPacketParser/RadiusPktBuilder.h"
+#include "RadiusPacketParser/RadiusPktCommon.h"
+#include "tool/HidingWarning.h"
+#include "tool/PlannedBuild.h"
+#include "tool/PlannedStep.h"
+#include "tool/SaltSource.h"
+#include "tool/ToolError.h"
+
+namespace RadiusPacketTool {
+
+using RadiusPktParserBase::Attribute;
+using RadiusPktParserBase::AttrInfo;
+using RadiusPktParserBase::isRequest;
+using RadiusPktParserBase::PktInfoBuilder;
+using RadiusPktParserBase::RadiusPktBuilder;
+using Verda::Bytes;
+using Verda::Ptr;
+using Verda::U8;
+
+namespace {
+
+using ByteView = std::span<const U8>;
+
+bool holds(const PacketReport& report, const Attribute& key) {
+  return std::ranges::find(report.attributes, key, &ReportedAttribute::key) !=
+         report.attributes.end();
+}
+
+/// The salts that a packet has: a new one must be none of them.
+SaltSource saltsOf(const PacketReport& report, const AttributeNames& names) {
+  SaltSource salts;
+  for (const ReportedAttribute& attribute : report.attributes) {
+    const AttrInfo info = names.infoOf(attribute.key);
+    const std::size_t tagLength = info.isTagged ? 1 : 0;
+    if (info.encryptionType == RadiusPktParserBase::saltedMethod &&
+        attribute.wire.size() >= tagLength) {
+      salts.take(ByteView(attribute.wire).subspan(tagLength));
+    }
+  }
+  return salts;
+}
+
+/// How a change is done to a packet; nothing when there is nothing to do: a Message-Authenticator
+/// is kept where there is one.
+std::optional<PlannedStep::Kind> stepKind(const Change& change, const PacketReport& report) {
+  const bool isThere = holds(report, change.attribute.key);
+  if (isThere && isMessageAuthenticator(change.attribute.key)) {
+    return std::nullopt;
+  }
+  switch (change.kind) {
+    case Change::Kind::set:
+      return isThere ? PlannedStep::Kind::replace : PlannedStep::Kind::add;
+    case Change::Kind::add:
+      return PlannedStep::Kind::add;
+    case Change::Kind::remove:
+      break;
+  }
+  return PlannedStep::Kind::remove;
+}
+
+PlannedStep stepOf(const Change& change, PlannedStep::Kind kind, const std::string& origin,
+                   SaltSource& salts) {
+  PlannedStep step{.kind = kind, .origin = origin, .key = change.attribute.key, .value = {}};
+  if (kind != PlannedStep::Kind::remove) {
+    step.value = plannedValue(change.attribute, change.value, salts);
+  }
+  return step;
+}
+
+}  // namespace
+
+PacketEditor::PacketEditor(const Ptr<const RadiusPacketParser::RadiusDict>& dictionary,
+                           const Secret& secret, const Bytes& given, std::vector<Change> changes)
+    : names_(dictionary),
+      secret_(secret),
+      changes_(std::move(changes)),
+      decoder_(dictionary, secret),
+      reader_(decoder_, given),
+      before_(given),
+      after_(given) {}
+
+EditedPacket PacketEditor::edit(const PacketPlace& place, ByteView packet) {
+  EditedPacket edited{.report = reader_.decode(place, packet), .made = {}};
+  PacketHeader header = edited.report.header;
+  before_.take(place, header);
+  if (isAccepted(edited.report)) {
+    edited.made = changed(edited.report, packet);
+    header = headerOf(edited.made.bytes);
+  }
+  after_.take(place, header);
+  return edited;
+}
+
+MadePacket PacketEditor::changed(const PacketReport& report, ByteView packet) {
+  MadePacket made;
+  const BuildPlan plan = planOf(report, made.warnings);
+  const RadiusPktBuilder builder(plan.dictionary());
+  const Bytes reqAuth = isRequest(*report.header.code) ? Bytes() : after_.of(report.header).bytes;
+  const auto build = [&](const Ptr<PktInfoBuilder>& request) {
+    return builder.modifyPkt(Zonet::pktFactory(packet), secret_.text(), reqAuth, request);
+  };
+  try {
+    made.bytes = builtPacket(plan, build, placeText(report.place));
+  } catch (const BadPacket& fault) {
+    throw ToolError(ExitCode::badData, fault.what());
+  }
+  warnOfCopies(report, made);
+  return made;
+}
+
+BuildPlan PacketEditor::planOf(const PacketReport& report,
+                               std::vector<std::string>& warnings) const {
+  BuildPlan plan;
+  SaltSource salts = saltsOf(report, names_);
+  for (const Change& change : changes_) {
+    const std::optional<PlannedStep::Kind> kind = stepKind(change, report);
+    if (!kind.has_value()) {
+      continue;
+    }
+    const std::string origin = fmt::format("{}: {}", placeText(report.place), change.origin);
+    try {
+      plan.take(stepOf(change, *kind, origin, salts), change.attribute);
+    } catch (const BadAttribute& fault) {
+      throw ToolError(ExitCode::badData, fmt::format("{}: {}", origin, fault.what()));
+    }
+    if (*kind != PlannedStep::Kind::remove && isHidden(change.attribute.info) &&
+        !canHide(*report.header.code)) {
+      warnings.push_back(hidingWarning(origin, *report.header.code));
+    }
+  }
+  return plan;
+}
+
+/// Hidden values are copied as they are: they are lost when what they are hidden under changes.
+void PacketEditor::warnOfCopies(const PacketReport& report, MadePacket& made) const {
+  if (staysRevealable(report.header, headerOf(made.bytes))) {
+    return;
+  }
+  for (const ReportedAttribute& attribute : report.attributes) {
+    if (isHidden(names_.infoOf(attribute.key)) && isCopied(attribute.key)) {
+      made.warnings.push_back(
+          fmt::format("{}: {}: warning: the value is hidden under an authenticator that has "
+                      "changed: no receiver can reveal it",
+                      placeText(report.place), attribute.name));
+    }
+  }
+}
+
+bool PacketEditor::staysRevealable(const PacketHeader& before, const PacketHeader& after) const {
+  return isRequest(*before.code) ? before.authenticator == after.authenticator
+                                 : before_.of(before).bytes == after_.of(before).bytes;
+}
+
+bool PacketEditor::isCopied(const Attribute& key) const {
+  return std::ranges::none_of(changes_, [&](const Change& change) {
+    return change.kind != Change::Kind::add && change.attribute.key == key;
+  });
+}
+
+}  // namespace RadiusPacketTool
