@@ -16,7 +16,7 @@ std::string standardName(const Attribute& key, const RadiusDict& dictionary) {
   if (const auto entry = dictionary.radiusAttribute(key.attrId)) {
     return std::string(entry->attributeName().view());
   }
-  return fmt::format("Attr-{}", key.attrId);
+  return rawAttributeName(key);
 }
 
 std::string vendorName(const Attribute& key, const RadiusDict& dictionary) {
@@ -25,10 +25,16 @@ std::string vendorName(const Attribute& key, const RadiusDict& dictionary) {
       return std::string(entry->attributeName().view());
     }
   }
-  return fmt::format("Attr-{}.{}.{}", key.attrId, key.vendorId, key.vendorAttrId);
+  return rawAttributeName(key);
 }
 
 }  // namespace
+
+std::string rawAttributeName(const Attribute& key) {
+  return key.attrId == RadiusAttributeId::VENDOR_SPECIFIC
+             ? fmt::format("Attr-{}.{}.{}", key.attrId, key.vendorId, key.vendorAttrId)
+             : fmt::format("Attr-{}", key.attrId);
+}
 
 std::string attributeName(const Attribute& key, const RadiusDict& dictionary) {
   return key.attrId == RadiusAttributeId::VENDOR_SPECIFIC ? vendorName(key, dictionary)

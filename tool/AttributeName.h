@@ -9,7 +9,10 @@
 
 namespace RadiusPacketTool {
 
-/// The attribute's name in the dictionary; `Attr-240` or `Attr-26.311.255` when it is not there.
+/// The name made of an attribute's numbers: `Attr-240` or `Attr-26.311.255`.
+std::string rawAttributeName(const RadiusPktParserBase::Attribute& key);
+
+/// The attribute's name in the dictionary; the one made of its numbers when it is not there.
 std::string attributeName(const RadiusPktParserBase::Attribute& key,
                           const RadiusPacketParser::RadiusDict& dictionary);
 

@@ -15,6 +15,7 @@
 #include "RadiusPacketParser/RadiusPacketConstants.h"
 #include "RadiusPacketParser/RadiusPktCommon.h"
 #include "tool/AttributeEnumeration.h"
+#include "tool/AttributeName.h"
 #include "tool/DecimalText.h"
 #include "tool/HexText.h"
 #include "tool/QuotedText.h"
@@ -61,6 +62,11 @@ U8 tagOf(const NamedAttribute& attribute) {
     throw BadAttribute("the attribute is tagged: its name is NAME:TAG");
   }
   return *attribute.tag;
+}
+
+/// Refuses a value that only the raw form of its attribute can have.
+[[noreturn]] void refuseForRawForm(const NamedAttribute& attribute, std::string_view what) {
+  throw BadAttribute(fmt::format("{}: {} = 0x... can", what, rawAttributeName(attribute.key)));
 }
 
 // ---- Text and bytes ----
@@ -136,7 +142,7 @@ void checkRoom(const NamedAttribute& attribute, std::size_t length) {
         fmt::format("a value of {} bytes: there is room for {}", length, roomOf(attribute)));
   }
   if (length == 0 && isSplit(attribute)) {
-    throw BadAttribute("an empty value of an attribute that may be split is not written");
+    refuseForRawForm(attribute, "an attribute that may be split cannot be written empty");
   }
 }
 
@@ -186,7 +192,7 @@ U32 namedNumber(const Attribute& key, std::string_view text) {
 
 AttrValue numberOf(const NamedAttribute& attribute, std::string_view text) {
   if (attribute.info.attributeType == RadiusAttributeType::date && attribute.info.isTagged) {
-    throw BadAttribute("a tagged date is not written");
+    refuseForRawForm(attribute, "a tagged date cannot be written");
   }
   const std::optional<U32> number = decimalOf(text, std::numeric_limits<U32>::max());
   const U32 value = number.has_value() ? *number : namedNumber(attribute.key, text);
@@ -254,7 +260,7 @@ IpGenPrefix interfaceIdOf(std::string_view text) {
 
 AttrValue addressValueOf(const NamedAttribute& attribute, std::string_view text) {
   if (isVendor(attribute)) {
-    throw BadAttribute("addresses of vendors are not written: use the raw form");
+    refuseForRawForm(attribute, "a vendor's address cannot be written");
   }
   switch (attribute.info.attributeType) {
     case RadiusAttributeType::ipaddr:
@@ -299,11 +305,11 @@ AttrValue valueOf(const NamedAttribute& attribute, std::string_view text, SaltSo
     case RadiusAttributeType::ifid:
       return addressValueOf(attribute, text);
     case RadiusAttributeType::integer64:
-      throw BadAttribute("numbers of 64 bits are not written: use the raw form");
+      refuseForRawForm(attribute, "a number of 64 bits cannot be written");
     case RadiusAttributeType::unknown:
       break;
   }
-  throw BadAttribute("the dictionary gives no data type: use the raw form");
+  refuseForRawForm(attribute, "an attribute of no known data type cannot be written");
 }
 
 }  // namespace RadiusPacketTool

@@ -19,5 +19,14 @@ TEST(HexText, MarksDigitsThatStandAmongText) {
   EXPECT_EQ(prefixedHex(bytes), "0x000ff0ff");
 }
 
+TEST(HexText, ReadsPairsOfDigitsAndNothingElse) {
+  EXPECT_EQ(bytesOfHex(""), std::vector<Verda::U8>());
+  EXPECT_EQ(bytesOfHex("000Ff0fF"), std::vector<Verda::U8>(bytes.begin(), bytes.end()));
+  for (const std::string_view wrong : {"0", "000", "0g", "g0", "0 ", " 0", "0x00", "00:00"}) {
+    SCOPED_TRACE(wrong);
+    EXPECT_EQ(bytesOfHex(wrong), std::nullopt);
+  }
+}
+
 }  // namespace
 }  // namespace RadiusPacketTool
