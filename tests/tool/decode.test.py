@@ -19,12 +19,12 @@ import sys
 import tempfile
 import unittest
 
+from golden_files import golden_count, golden_packets
 from program import PROGRAM, run
 
 DATA = pathlib.Path(sys.argv[2])
 DICTIONARIES = DATA.parent.parent / "dictionaries"
-GOLDEN_COUNT = int(re.search(r"goldenPacketCount = (\d+);", (
-    DATA.parent / "support" / "GoldenPackets.h").read_text())[1])
+GOLDEN_COUNT = golden_count(DATA)
 SECRET = "golden-packets"
 REQUEST_AUTHENTICATOR = bytes(range(0xA0, 0xB0))
 REQUEST_CODES = (1, 4, 12, 40, 43)
@@ -87,35 +87,6 @@ A_OPTION = ("-a", REQUEST_AUTHENTICATOR.hex())
 
 
 # ---- The golden packets ----
-
-
-class Golden:
-    def __init__(self, path):
-        self.path, self.attributes, digits = path, [], ""
-        for line in path.read_text().splitlines():
-            directive = re.fullmatch(r"# ([a-z-]+):(?: (.*))?", line)
-            if directive and not digits:
-                key, value = directive[1], directive[2] or ""
-                if key == "attribute":
-                    self.attributes.append(value)
-                else:
-                    setattr(self, key.replace("-", "_"), value)
-            digits += line.split("#")[0]
-        self.packet = bytes.fromhex(digits)
-
-    def options(self, folder):
-        """The secret and the Request Authenticator as the program takes them."""
-        secret = pathlib.Path(folder) / "secret"
-        secret.write_bytes(bytes.fromhex(self.secret) + b"\n")
-        given = ("-a", self.request_authenticator) if self.request_authenticator else ()
-        return "-s", secret, *given
-
-    def decode(self, folder, *options):
-        return run("decode", *self.options(folder), *options, self.path)
-
-
-def golden_packets():
-    return [Golden(path) for path in sorted((DATA / "packets").glob("*.txt"))]
 
 
 def dictionary_flags():
@@ -211,13 +182,13 @@ def wire_values(content):
 
 class GoldenPackets(unittest.TestCase):
     def test_none_is_lost(self):
-        self.assertEqual(len(golden_packets()), GOLDEN_COUNT)
+        self.assertEqual(len(golden_packets(DATA)), GOLDEN_COUNT)
 
     def test_json_says_what_the_directives_say(self):
         with tempfile.TemporaryDirectory() as folder:
-            for golden in golden_packets():
+            for golden in golden_packets(DATA):
                 with self.subTest(golden.path.name):
-                    self.check(golden, golden.decode(folder, "--json"))
+                    self.check(golden, run("decode", *golden.options(folder), "--json", golden.path))
 
     def check(self, golden, result):
         (report,) = result.objects
@@ -241,9 +212,9 @@ class GoldenPackets(unittest.TestCase):
 
     def test_text_has_a_header_and_a_line_for_each_attribute(self):
         with tempfile.TemporaryDirectory() as folder:
-            for golden in golden_packets():
+            for golden in golden_packets(DATA):
                 with self.subTest(golden.path.name):
-                    lines = golden.decode(folder).text.splitlines()
+                    lines = run("decode", *golden.options(folder), golden.path).text.splitlines()
                     self.assertTrue(lines[0].endswith(f", packet 1 of {golden.path}"))
                     self.assertEqual(len(lines) - 1, len(golden.attributes))
                     for line in lines[1:]:
@@ -727,7 +698,7 @@ class Format(unittest.TestCase):
                               (str(paths[2]), 2)])
 
     def test_golden_packets_decode_alike_in_binary(self):
-        for golden in golden_packets():
+        for golden in golden_packets(DATA):
             with self.subTest(golden.path.name), tempfile.TemporaryDirectory() as folder:
                 as_hex, *as_binary = (
                     run("decode", "--json", *golden.options(folder), "-f", name, stdin=content)

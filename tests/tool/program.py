@@ -13,8 +13,11 @@ class Result:
     def __init__(self, completed):
         self.status = completed.returncode
         self.output = completed.stdout
-        self.text = completed.stdout.decode()
         self.errors = completed.stderr.decode()
+
+    @property
+    def text(self):
+        return self.output.decode()
 
     @property
     def objects(self):
