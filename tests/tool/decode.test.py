@@ -19,7 +19,7 @@ import sys
 import tempfile
 import unittest
 
-from golden_files import golden_count, golden_packets
+from golden_files import Golden, golden_count, golden_packets
 from program import PROGRAM, run
 
 DATA = pathlib.Path(sys.argv[2])
