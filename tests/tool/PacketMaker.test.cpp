@@ -64,6 +64,13 @@ TEST(PacketMaker, OtherAuthenticatorsAreComputedWhateverTheHeaderLine) {
             expected(2).reqAuthIs(testReqAuth).make());
 }
 
+TEST(PacketMaker, HeaderLineOfADigestSignedRequestHidesNothing) {
+  const std::string password = "\nUser-Password = \"x\"";
+  EXPECT_EQ(
+      made("4, id 7, authenticator 303132333435363738393a3b3c3d3e3f" + password).front().bytes,
+      made("4, id 7" + password).front().bytes);
+}
+
 TEST(PacketMaker, MessageAuthenticatorStandsWhereItIsAskedFor) {
   const ByteVector wanted = expected(1).add(1, {'a'}).addMessageAuthenticator().add(25, {1}).make();
   for (const std::string_view asked :
