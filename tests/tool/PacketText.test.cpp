@@ -1,5 +1,6 @@
 #include "tool/PacketText.h"
 
+#include <algorithm>
 #include <array>
 #include <optional>
 #include <string>
@@ -66,7 +67,7 @@ constexpr std::array rows{
 
 TEST(PacketText, IsReadInPiecesOfAnySize) {
   for (const Row& row : rows) {
-    for (const std::size_t pieceSize : {1, 2, 3, 7, 1000}) {
+    for (const std::size_t pieceSize : std::to_array<std::size_t>({1, 2, 3, 7, 1000})) {
       SCOPED_TRACE(fmt::format("{} in pieces of {}", row.name, pieceSize));
       EXPECT_EQ(summaryOf(packetsOf(row.text, pieceSize)), row.summary);
     }

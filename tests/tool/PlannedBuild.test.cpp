@@ -1,5 +1,6 @@
 #include "tool/PlannedBuild.h"
 
+#include <array>
 #include <optional>
 #include <string>
 
@@ -67,7 +68,7 @@ TEST(PlannedBuild, NamesThePacketWhenNoStepIsAtFault) {
   const Build never = [](const Ptr<PktInfoBuilder>&) {
     return RadiusPktParserBase::invalidPkt(ErrorMsg::invalidPktLength);
   };
-  for (const std::size_t stepCount : {0, 1, 5}) {
+  for (const std::size_t stepCount : std::to_array<std::size_t>({0, 1, 5})) {
     EXPECT_EQ(TestSupport::thrownText<BadPacket>(
                   [&] { builtPacket(planOf(stepCount), never, "packet 1"); }),
               "packet 1: invalidPktLength");
