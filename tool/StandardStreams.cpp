@@ -20,7 +20,8 @@ namespace {
 }  // namespace
 
 void writeOutput(std::string_view text) {
-  if (std::fwrite(text.data(), 1, text.size(), stdout) != text.size()) {
+  // An empty view may have no place, which is no argument for the stream.
+  if (!text.empty() && std::fwrite(text.data(), 1, text.size(), stdout) != text.size()) {
     outputFailed();
   }
 }
