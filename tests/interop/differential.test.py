@@ -32,8 +32,8 @@ from attribute_catalogue import (MESSAGE_AUTHENTICATOR, MESSAGE_AUTHENTICATOR_KI
 from disagreements import (BUILT, FLAWS, MADE, OF_BUILT_VALUES, OF_MADE_VALUES, ORDER, Found,
                            agree_on_built, grouped, pieces)
 from exchanges import ACCESS_REQUEST
-from radius_digests import (NO_AUTHENTICATOR, SALT_LENGTH, authenticator,
-                            message_authenticator)
+from radius_digests import (BLOCK, NO_AUTHENTICATOR, SALT_LENGTH, authenticator,
+                            message_authenticator, padded)
 from random_packets import (DIGEST_REQUESTS, STATUS_SERVER, OurPackets, PeerPackets,
                             is_signed)
 from tool_packets import Tool, packet_text, reported
@@ -168,6 +168,9 @@ class Differential(unittest.TestCase):
 
     def check_value(self, piece, found):
         self.values += 1
+        if piece.given.kind.is_user_password:
+            # Padded to whole blocks and no further; an empty one is a block of padding.
+            self.assertEqual(len(found.wire), len(padded(piece.plain)) or BLOCK)
         if not self.check_known(OF_BUILT_VALUES, piece, found):
             self.assertTrue(agree_on_built(piece, found), (piece, found))
 

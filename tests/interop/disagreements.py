@@ -40,7 +40,7 @@ class Found(NamedTuple):
 
 class Disagreement(NamedTuple):
     name: str
-    applies: Callable[..., bool]
+    applies: Callable[..., Any]  # a truth value
     holds: Callable[..., bool]
 
 
@@ -58,7 +58,7 @@ def failure(action, *arguments):
     """The exception that an action ends with."""
     try:
         action(*arguments)
-    except Exception as fault:  # pylint: disable=broad-except
+    except Exception as fault:
         return type(fault)
     return None
 
@@ -89,13 +89,13 @@ def is_utf8(value):
 OF_BUILT_VALUES = [
     Disagreement(
         "concat-hidden-last-only",
-        lambda piece, found: bool(piece.given.kind.is_concat and piece.given.kind.method
-                                  and not piece.is_last),
+        lambda piece, found: piece.given.kind.is_concat and piece.given.kind.method
+        and not piece.is_last,
         lambda piece, found: found.wire == piece.plain),
     Disagreement(
         "hidden-under-header-bytes",
-        lambda piece, found: bool(found.code in DIGEST_REQUESTS and piece.given.kind.method
-                                  and len(found.wire) > piece.given.kind.is_tagged),
+        lambda piece, found: found.code in DIGEST_REQUESTS and piece.given.kind.method
+        and len(found.wire) > piece.given.kind.is_tagged,
         lambda piece, found: found.revealed(piece.given.kind, NO_AUTHENTICATOR) == piece.plain),
     Disagreement(
         "tag-kept-in-value",

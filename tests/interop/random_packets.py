@@ -91,8 +91,6 @@ def most_wire_bytes(given):
 class RandomPackets:
     """What both directions have in common."""
 
-    code_pairs = CODE_PAIRS
-
     def __init__(self, seed):
         self.seed = seed
         self.families = collections.defaultdict(list)
@@ -108,7 +106,7 @@ class RandomPackets:
 
     def exchange(self, index):
         self.random = random.Random(f"{type(self).__name__} {self.seed} {index}")
-        request_code, response_code = self.random.choice(self.code_pairs)
+        request_code, response_code = self.random.choice(CODE_PAIRS)
         identifier = index % 256
         return Exchange(self.packet(request_code, identifier),
                         self.packet(response_code, identifier))

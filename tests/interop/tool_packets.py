@@ -8,8 +8,8 @@ import subprocess
 from typing import Any, NamedTuple
 
 from attribute_catalogue import MESSAGE_AUTHENTICATOR_KIND, VENDOR_SPECIFIC
-from random_packets import STATUS_SERVER, plain_wire
 from exchanges import ACCESS_REQUEST
+from random_packets import STATUS_SERVER, plain_wire
 
 PATIENCE_SECONDS = 600
 
