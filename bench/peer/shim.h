@@ -22,8 +22,8 @@ int peer_decode(struct peer_packet* packet, char const* secret);
 /// Decodes the packet and keeps its attributes, ready to be encoded; 0 on success.
 int peer_make_ready(struct peer_packet* packet, char const* secret);
 
-/// Encodes and signs a packet of the attributes that are ready, and frees it; returns its length, or
-/// -1 when the peer refuses.
+/// Encodes and signs a packet of the attributes that are ready, and frees it; returns its length,
+/// or -1 when the peer refuses.
 int peer_encode(struct peer_packet* packet, char const* secret);
 
 void peer_packet_free(struct peer_packet* packet);
