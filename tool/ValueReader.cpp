@@ -118,8 +118,8 @@ ByteVector saltedOf(const NamedAttribute& attribute, ByteView content, SaltSourc
 
 /// What stands behind the salt as it is: the text form of a value whose length byte does not fit.
 ByteVector saltedAsItIs(ByteView behindSalt, SaltSource& salts) {
-  const Salt salt = salts.next();
-  ByteVector value(salt.begin(), salt.end());
+  ByteVector value;
+  append(value, salts.next());
   append(value, behindSalt);
   return value;
 }
