@@ -62,12 +62,13 @@ class VERDA_EXPORT RadiusPktBuilder : public Verda::Node {
   /// The header receives the packet's length, and but for codes 1 and 12 its authenticator. Use a
   /// new header for each packet: values are hidden under the authenticator that the header holds.
   ///
-  /// It is asserted that `reqAuth` is empty when a value or a Message-Authenticator of a request is
-  /// written, and not empty when a value of a response is.
+  /// It is asserted that `reqAuth` is empty when a value of a request, or a Message-Authenticator
+  /// of code 1 or 12, is written, and not empty when a value of a response is.
   /// @param secret   the shared secret, up to its first zero byte
   /// @param reqAuth  empty for a request; the authenticator of the request that a response answers
   /// @return the packet, or no packet and the first fault: `invalidPktPtr` (no header),
-  ///         `maxPktLengthExceeded`, or what the encoders say of an attribute
+  ///         `maxPktLengthExceeded`, `invalidBytesCopied` (an authenticator of less than 16 bytes),
+  ///         `md5GenerationFailed`, or what the encoders say of an attribute
   Verda::Ptr<PktReturn> createPktFromHdr(const Verda::String& secret, const Verda::Bytes& reqAuth,
                                          const Verda::Ptr<RadiusHdr>& hdr,
                                          const Verda::Ptr<PktInfoBuilder>& pktInfoBuilder) const;

@@ -8,6 +8,7 @@
 
 #include "Verda/Assert.h"
 #include "Verda/Trace.h"
+#include "ZoCrypto/Cleanse.h"
 #include "Zonet/WireReader.h"
 #include "Zonet/WireWriter.h"
 
@@ -72,8 +73,12 @@ class AttributeAppender {
     ErrorMsg fault = key.attrId == RadiusAttributeId::VENDOR_SPECIFIC
                          ? detail::addVsa(value, key, attrInfo, position, length_)
                          : detail::addAttribute(value, key, attrInfo, position, length_);
-    if (fault == ErrorMsg::success && !detail::isWrittenAsNothing(value, key, attrInfo)) {
-      fault = detail::encryptAttribute(key, position, secret_, reqAuth_, hdr_, attrInfo);
+    if (fault == ErrorMsg::success) {
+      // Where nothing was written nothing is hidden; a caller's mistake is one all the same.
+      static const AttrInfo nothingHidden;
+      fault = detail::encryptAttribute(
+          key, position, secret_, reqAuth_, hdr_,
+          detail::isWrittenAsNothing(value, key, attrInfo) ? nothingHidden : attrInfo);
     }
     return fault == ErrorMsg::success ? passAttribute() : fault;
   }
@@ -314,8 +319,12 @@ Ptr<PktReturn> buildPkt(const Ptr<Zonet::Pkt>& pkt, const String& secret, const 
     writeLength(length, newPkt);
     fault = sign(newPkt, msgAuthPos, secret, reqAuth, header);
   }
-  return fault == ErrorMsg::success ? pktReturnFactory(Zonet::pktFactory(buffer))
-                                    : invalidPkt(fault);
+  if (fault != ErrorMsg::success) {
+    // A password that was still to be hidden may stand in what is given back.
+    ZoCrypto::cleanse({newPkt, PacketConstants::maxLength()});
+    return invalidPkt(fault);
+  }
+  return pktReturnFactory(Zonet::pktFactory(buffer));
 }
 
 }  // namespace RadiusPktParserBase

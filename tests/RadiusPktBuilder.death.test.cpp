@@ -48,6 +48,14 @@ constexpr Misuse misuses[] = {
      [] { builder()->createPktFromHdr(testSecret, {}, headerOf(2), name()); },
      "^RadiusPacketParser/RadiusPktCommon\\.cpp:[0-9]+: encryptAttribute: Assertion "
      "\"Request authenticator found NULL for response packet\" failed\\.\n$"},
+    {"a request's value that becomes no attribute, with a Request Authenticator",
+     [] {
+       builder()->createPktFromHdr(
+           testSecret, verdaBytes(testReqAuth), headerOf(1),
+           RequestMaker().add(standardAttribute(79), {Verda::Bytes()}).make());
+     },
+     "^RadiusPacketParser/RadiusPktCommon\\.cpp:[0-9]+: encryptAttribute: Assertion "
+     "\"Request authenticator found not NULL for request packet\" failed\\.\n$"},
     {"a request's Message-Authenticator with a Request Authenticator",
      [] {
        builder()->createPktFromHdr(testSecret, verdaBytes(testReqAuth), headerOf(12),

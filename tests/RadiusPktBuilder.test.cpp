@@ -507,6 +507,48 @@ TEST(BuilderModify, PassesAProxysRequestOnWithThePasswordHiddenAnew) {
             AttrValue(String(std::string("a password") + std::string(6, '\0'))));
 }
 
+/// What the guide lists as built, but refused where it is received.
+TEST(BuilderCreate, BuildsWhatTheParserRefuses) {
+  const Attribute eap = standardAttribute(79);
+  const Bytes fragment = verdaBytes({1, 2, 3});
+  const struct {
+    const char* name;
+    U8 code;
+    RequestMaker request;
+    ErrorMsg result;
+  } rows[] = {
+      {"EAP-Message without a Message-Authenticator", 1, RequestMaker().add(eap, {fragment}),
+       ErrorMsg::missingRequiredMsgAuth},
+      {"another attribute between fragments", 1,
+       RequestMaker()
+           .addMessageAuthenticator()
+           .add(eap, {fragment})
+           .add(userName, {String("nemo")})
+           .add(eap, {fragment}),
+       ErrorMsg::concatAttrNotConsecutive},
+      {"a second Message-Authenticator, as a value", 1,
+       RequestMaker().addMessageAuthenticator().add(standardAttribute(80),
+                                                    {verdaBytes(ByteVector(16))}),
+       ErrorMsg::invalidMsgAuth},
+      {"a Message-Authenticator in a code without a rule", 99,
+       RequestMaker().addMessageAuthenticator(), ErrorMsg::unsupportedPktType},
+      {"an empty User-Password", 1, RequestMaker().add(standardAttribute(2), {String()}),
+       ErrorMsg::invalidAttrLength},
+  };
+  const CapturingSink silent(Verda::traceOff);
+  const auto builder = radiusPktBuilderFactory(shippedDictionary());
+  const auto parser = radiusPktParserFactory(shippedDictionary());
+  for (const auto& row : rows) {
+    SCOPED_TRACE(row.name);
+    const Bytes reqAuth = verdaBytes(reqAuthFor(row.code));
+    const auto built =
+        builder->createPktFromHdr(testSecret, reqAuth, headerOf(row.code), row.request.make());
+    ASSERT_EQ(built->errorMsg(), ErrorMsg::success);
+    EXPECT_EQ(parser->doProcessPkt(built->pkt(), testSecret, reqAuth, pktInfoParserFactory()),
+              row.result);
+  }
+}
+
 TEST(BuilderModify, GivesBackEveryAcceptedGoldenPacket) {
   const CapturingSink silent(Verda::traceOff);
   const auto builder = radiusPktBuilderFactory(shippedDictionary());
