@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <cerrno>
+#include <charconv>
 #include <chrono>
 #include <limits>
 #include <memory>
@@ -11,6 +12,7 @@
 #include <span>
 #include <stdexcept>
 #include <string>
+#include <string_view>
 #include <sys/socket.h>
 #include <system_error>
 #include <unistd.h>
@@ -117,8 +119,18 @@ class UdpSocket {
         std::span<const Verda::U8>(buffer).first(static_cast<std::size_t>(count)));
   }
 
+  /// `getaddrinfo` takes greater numbers, and goes on with another port.
+  static void checkPort(std::string_view port) {
+    Verda::U16 number = 0;
+    const auto [end, error] = std::from_chars(port.data(), port.data() + port.size(), number);
+    if (error != std::errc() || end != port.data() + port.size()) {
+      throw std::runtime_error("port \"" + std::string(port) + "\" is no number up to 65535");
+    }
+  }
+
   static UdpSocket opened(const char* host, const char* port,
                           int (*attach)(int, const sockaddr*, socklen_t)) {
+    checkPort(port);
     addrinfo hints{};
     hints.ai_socktype = SOCK_DGRAM;
     addrinfo* list = nullptr;

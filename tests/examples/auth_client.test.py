@@ -183,6 +183,14 @@ class AuthClient(unittest.TestCase):
                     self.assertEqual(client.result(),
                                      (EXIT_FAULT, "", f"{path}: no secret there\n"))
 
+    def test_takes_no_port_for_another(self):
+        for port in ("65536", "99999", "1812x", "", "radius"):
+            with self.subTest(port):
+                with Agent("auth_client", DICTIONARY, SECRET_FILE, HOST, port, "alice") as client:
+                    self.assertEqual(
+                        client.result(),
+                        (EXIT_FAULT, "", f'port "{port}" is no number up to 65535\n'))
+
     def test_says_how_it_is_used(self):
         usage = ("usage: auth_client [-c] [-u] [-n TRIES] [-t MILLISECONDS] "
                  "DICTIONARY SECRET-FILE HOST PORT USER\n")
