@@ -2,6 +2,7 @@
 
 #include <array>
 #include <span>
+#include <string_view>
 
 #include "Verda/Trace.h"
 #include "ZoCrypto/Random.h"
@@ -20,9 +21,15 @@ using Verda::U8;
 TYL_ENTITY_TYPE(PktInfoBuilder)
 TYL_ENTITY_TYPE(RadiusPktBuilder)
 
+namespace {
+
+constexpr std::string_view builderClass = "RadiusPktBuilder";
+
+}  // namespace
+
 // NOLINTNEXTLINE(readability-convert-member-functions-to-static): an operation of the builder
 Ptr<RadiusHdrReturn> RadiusPktBuilder::createRadiusHdr(U8 code, U8 id) const {
-  VERDA_TRACE(codecTrace, Verda::traceEntries, "RadiusPktBuilder", "entry");
+  VERDA_TRACE(codecTrace, Verda::traceEntries, builderClass, "entry");
   std::array<U8, PacketConstants::authLength()> authenticator{};
   if (detail::hasRandomAuthenticator(code) && !ZoCrypto::randomBytes(authenticator)) {
     return invalidHdr(ErrorMsg::pktAuthGenerationFailed);
@@ -38,12 +45,14 @@ Ptr<RadiusHdrReturn> RadiusPktBuilder::createRadiusHdr(U8 code, U8 id) const {
 Ptr<PktReturn> RadiusPktBuilder::createPktFromHdr(const String& secret, const Bytes& reqAuth,
                                                   const Ptr<RadiusHdr>& hdr,
                                                   const Ptr<PktInfoBuilder>& pktInfoBuilder) const {
+  VERDA_TRACE(codecTrace, Verda::traceEntries, builderClass, "entry");
   return buildPkt(nullptr, secret, reqAuth, hdr, pktInfoBuilder, dictionary());
 }
 
 Ptr<PktReturn> RadiusPktBuilder::modifyPkt(const Ptr<Zonet::Pkt>& pkt, const String& secret,
                                            const Bytes& reqAuth,
                                            const Ptr<PktInfoBuilder>& pktInfoBuilder) const {
+  VERDA_TRACE(codecTrace, Verda::traceEntries, builderClass, "entry");
   return buildPkt(pkt, secret, reqAuth, nullptr, pktInfoBuilder, dictionary());
 }
 

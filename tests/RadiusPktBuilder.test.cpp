@@ -241,6 +241,25 @@ TEST(BuilderHeader, TracesItsEntry) {
                                        "createRadiusHdr", "entry"}}));
 }
 
+TEST(BuilderEntries, OfBothOperationsStandInFrontOfTheBuild) {
+  const auto builder = radiusPktBuilderFactory(shippedDictionary());
+  const auto nothing = pktInfoBuilderFactory();
+  const CapturingSink created(Verda::traceEntries);
+  const auto built = builder->createPktFromHdr(testSecret, {}, headerOf(1), nothing);
+  const Records ofCreate = created.records();
+  const CapturingSink modified(Verda::traceEntries);
+  builder->modifyPkt(built->pkt(), testSecret, {}, nothing);
+  const Records ofModify = modified.records();
+  const std::string facility = "RadiusPacketParser::RadiusPktParser";
+  const Records first = {{facility, 2, "RadiusPktBuilder", "createPktFromHdr", "entry"},
+                         {facility, 2, "RadiusPktBuilder", "modifyPkt", "entry"}};
+  const Records second(2, {facility, 2, "", "buildPkt", "entry"});
+  ASSERT_GE(ofCreate.size(), 2U);
+  ASSERT_GE(ofModify.size(), 2U);
+  EXPECT_EQ((Records{ofCreate[0], ofModify[0]}), first);
+  EXPECT_EQ((Records{ofCreate[1], ofModify[1]}), second);
+}
+
 TEST(BuilderHeader, NeedsNoDictionary) {
   EXPECT_EQ(radiusPktBuilderFactory(nullptr)->createRadiusHdr(4, 1)->errorMsg(), ErrorMsg::success);
 }
