@@ -252,6 +252,7 @@ ErrorMsg addAttributesToPkt(const String& secret, const Bytes& reqAuth, const Pt
                             const Ptr<PktInfoBuilder>& pktInfoBuilder, U8* pkt, U16& length,
                             U8*& msgAuthPos, const Ptr<const RadiusDict>& dictionary) {
   VERDA_TRACE(codecTrace, Verda::traceEntries, "", "entry");
+  VERDA_ASSERT(hdr && pktInfoBuilder && pkt != nullptr);
   AttributeAppender appender(pkt, length, msgAuthPos, secret, reqAuth, *hdr, dictionary);
   for (const auto& [key, entry] : pktInfoBuilder->attributesToAdd()) {
     const Ptr<AttrWithValue>& attribute = entry->attrWithValue();
@@ -275,6 +276,7 @@ ErrorMsg replaceAttributesInPkt(const U8* oldPkt, U8* newPkt, const String& secr
                                 const Ptr<PktInfoBuilder>& pktInfoBuilder, U16& length,
                                 U8*& msgAuthPos, const Ptr<const RadiusDict>& dictionary) {
   VERDA_TRACE(codecTrace, Verda::traceEntries, "", "entry");
+  VERDA_ASSERT(hdr && pktInfoBuilder && oldPkt != nullptr && newPkt != nullptr);
   U16 oldLength = 0;
   static_cast<void>(Zonet::WireReader({oldPkt + PacketConstants::lengthOffset(), sizeof(oldLength)})
                         .read(oldLength));

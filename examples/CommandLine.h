@@ -2,6 +2,8 @@
 
 #include <charconv>
 #include <chrono>
+#include <exception>
+#include <iostream>
 #include <set>
 #include <span>
 #include <stdexcept>
@@ -73,5 +75,22 @@ class CommandLine {
   std::chrono::milliseconds firstWait_{2000};
   std::span<char*> arguments_;
 };
+
+/// What `main` of an agent does: `run` with the command line, and a fault told on standard error.
+/// Returns the process's exit code.
+/// @param usage  the agent's name, options and arguments
+template <typename Run>
+int runAgent(int argc, char** argv, const char* options, std::size_t leastArguments,
+             const char* usage, const Run& run) {
+  try {
+    return run(CommandLine(argc, argv, options, leastArguments));
+  } catch (const UsageError& fault) {
+    std::cerr << fault.what() << "\nusage: " << usage << '\n';
+    return exitUsage;
+  } catch (const std::exception& fault) {
+    std::cerr << fault.what() << '\n';
+    return exitFault;
+  }
+}
 
 }  // namespace Example

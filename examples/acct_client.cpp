@@ -5,6 +5,7 @@
 //
 // Exit status: 0 all records are with the server; 2 no good answer came to one; 3 a fault on this
 // side; 64 wrong usage.
+// A dictionary that does not load ends the process by an assertion.
 
 #include <ctime>
 #include <iostream>
@@ -112,14 +113,8 @@ int run(const Example::CommandLine& line) {
 }  // namespace
 
 int main(int argc, char** argv) {
-  try {
-    return run(Example::CommandLine(argc, argv, "n:t:", 6));
-  } catch (const Example::UsageError& fault) {
-    std::cerr << fault.what() << "\nusage: acct_client [-n TRIES] [-t MILLISECONDS] "
-              << "DICTIONARY SECRET-FILE HOST PORT USER SESSION-ID\n";
-    return Example::exitUsage;
-  } catch (const std::exception& fault) {
-    std::cerr << fault.what() << '\n';
-    return Example::exitFault;
-  }
+  return Example::runAgent(argc, argv, "n:t:", 6,
+                           "acct_client [-n TRIES] [-t MILLISECONDS] "
+                           "DICTIONARY SECRET-FILE HOST PORT USER SESSION-ID",
+                           run);
 }

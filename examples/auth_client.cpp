@@ -8,6 +8,7 @@
 //
 // Exit status: 0 accepted; 1 rejected or challenged; 2 no good answer came; 3 a fault on this side;
 // 64 wrong usage.
+// A dictionary that does not load ends the process by an assertion.
 
 #include <algorithm>
 #include <array>
@@ -129,14 +130,8 @@ int run(const Example::CommandLine& line) {
 }  // namespace
 
 int main(int argc, char** argv) {
-  try {
-    return run(Example::CommandLine(argc, argv, "cun:t:", 5));
-  } catch (const Example::UsageError& fault) {
-    std::cerr << fault.what() << "\nusage: auth_client [-c] [-u] [-n TRIES] [-t MILLISECONDS] "
-              << "DICTIONARY SECRET-FILE HOST PORT USER\n";
-    return Example::exitUsage;
-  } catch (const std::exception& fault) {
-    std::cerr << fault.what() << '\n';
-    return Example::exitFault;
-  }
+  return Example::runAgent(argc, argv, "cun:t:", 5,
+                           "auth_client [-c] [-u] [-n TRIES] [-t MILLISECONDS] "
+                           "DICTIONARY SECRET-FILE HOST PORT USER",
+                           run);
 }

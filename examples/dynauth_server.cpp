@@ -6,6 +6,7 @@
 // HOST is the address to listen at, PORT may be 0 for any. The server says where it listens and
 // what it answers, and runs until it is stopped. Exit status: 3 a fault on this side; 64 wrong
 // usage.
+// A dictionary that does not load ends the process by an assertion.
 
 #include <iostream>
 #include <map>
@@ -112,7 +113,7 @@ class Server {
   std::map<std::pair<std::string, U8>, Answered> answered_;
 };
 
-[[noreturn]] void run(const Example::CommandLine& line) {
+[[noreturn]] int run(const Example::CommandLine& line) {
   const auto dictionary = RadiusPacketParser::radiusDictionaryParserFactory(line[0])->dictionary();
   const auto sessions = line.arguments().subspan(4);
   Server server(dictionary, Example::readSecret(line[1]),
@@ -133,14 +134,6 @@ class Server {
 }  // namespace
 
 int main(int argc, char** argv) {
-  try {
-    run(Example::CommandLine(argc, argv, "", 4));
-  } catch (const Example::UsageError& fault) {
-    std::cerr << fault.what()
-              << "\nusage: dynauth_server DICTIONARY SECRET-FILE HOST PORT SESSION-ID...\n";
-    return Example::exitUsage;
-  } catch (const std::exception& fault) {
-    std::cerr << fault.what() << '\n';
-    return Example::exitFault;
-  }
+  return Example::runAgent(argc, argv, "", 4,
+                           "dynauth_server DICTIONARY SECRET-FILE HOST PORT SESSION-ID...", run);
 }

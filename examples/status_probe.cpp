@@ -4,6 +4,7 @@
 //   status_probe [-n TRIES] [-t MILLISECONDS] DICTIONARY SECRET-FILE HOST PORT
 //
 // Exit status: 0 alive; 2 no good answer came; 3 a fault on this side; 64 wrong usage.
+// A dictionary that does not load ends the process by an assertion.
 
 #include <iostream>
 #include <string>
@@ -80,14 +81,7 @@ int run(const Example::CommandLine& line) {
 }  // namespace
 
 int main(int argc, char** argv) {
-  try {
-    return run(Example::CommandLine(argc, argv, "n:t:", 4));
-  } catch (const Example::UsageError& fault) {
-    std::cerr << fault.what() << "\nusage: status_probe [-n TRIES] [-t MILLISECONDS] "
-              << "DICTIONARY SECRET-FILE HOST PORT\n";
-    return Example::exitUsage;
-  } catch (const std::exception& fault) {
-    std::cerr << fault.what() << '\n';
-    return Example::exitFault;
-  }
+  return Example::runAgent(
+      argc, argv, "n:t:", 4,
+      "status_probe [-n TRIES] [-t MILLISECONDS] DICTIONARY SECRET-FILE HOST PORT", run);
 }

@@ -1427,9 +1427,51 @@ TEST(BuildPkt, AssertsTheCallersMistakes) {
   }
   EXPECT_EQ(assertion(1, reqAuth, RequestMaker().addMessageAuthenticator().make(), dictionary()),
             "Request authenticator found not NULL for request packet");
+  // The other requests' Message-Authenticators are signed as those of responses.
+  for (const U8 code : ByteVector{4, 40, 43}) {
+    EXPECT_EQ(
+        assertion(code, reqAuth, RequestMaker().addMessageAuthenticator().make(), dictionary()),
+        std::nullopt);
+  }
   EXPECT_EQ(assertion(1, {}, nullptr, dictionary()), "pktInfoBuilder");
   EXPECT_EQ(assertion(1, {}, name, nullptr), "dict");
   EXPECT_EQ(assertion(1, {}, empty, nullptr), std::nullopt);
+}
+
+TEST(AttributeSteps, AssertThatTheyAreGivenWhatTheyWorkOn) {
+  const auto hdr = headerOf(1);
+  const auto request = RequestMaker().make();
+  ByteVector pkt(4096);
+  const auto adding = [&](const Ptr<RadiusHdr>& header, const Ptr<PktInfoBuilder>& toAdd, U8* to) {
+    return TestSupport::assertionTextOf([&] {
+      U16 length = 20;
+      U8* msgAuthPos = nullptr;
+      addAttributesToPkt(testSecret, {}, header, toAdd, to, length, msgAuthPos, dictionary());
+    });
+  };
+  constexpr const char* addingText = "hdr && pktInfoBuilder && pkt != nullptr";
+  EXPECT_EQ(adding(nullptr, request, pkt.data()), addingText);
+  EXPECT_EQ(adding(hdr, nullptr, pkt.data()), addingText);
+  EXPECT_EQ(adding(hdr, request, nullptr), addingText);
+  EXPECT_EQ(adding(hdr, request, pkt.data()), std::nullopt);
+
+  const ByteVector old = PacketMaker(1).make();
+  const auto replacing = [&](const U8* from, U8* to, const Ptr<RadiusHdr>& header,
+                             const Ptr<PktInfoBuilder>& changes) {
+    return TestSupport::assertionTextOf([&] {
+      U16 length = 0;
+      U8* msgAuthPos = nullptr;
+      replaceAttributesInPkt(from, to, testSecret, {}, header, changes, length, msgAuthPos,
+                             dictionary());
+    });
+  };
+  constexpr const char* replacingText =
+      "hdr && pktInfoBuilder && oldPkt != nullptr && newPkt != nullptr";
+  EXPECT_EQ(replacing(nullptr, pkt.data(), hdr, request), replacingText);
+  EXPECT_EQ(replacing(old.data(), nullptr, hdr, request), replacingText);
+  EXPECT_EQ(replacing(old.data(), pkt.data(), nullptr, request), replacingText);
+  EXPECT_EQ(replacing(old.data(), pkt.data(), hdr, nullptr), replacingText);
+  EXPECT_EQ(replacing(old.data(), pkt.data(), hdr, request), std::nullopt);
 }
 
 TEST(BuildPkt, TracesTheEntryOfEveryOperation) {
