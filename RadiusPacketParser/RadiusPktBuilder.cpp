@@ -8,6 +8,7 @@
 #include "ZoCrypto/Random.h"
 
 #include "RadiusPacketParser/RadiusPacketConstants.h"
+#include "RadiusPacketParser/RadiusPktCommon.detail.h"
 #include "RadiusPacketParser/RadiusPktCommon.h"
 
 namespace RadiusPktParserBase {

@@ -14,6 +14,7 @@
 
 #include "RadiusPacketParser/RadiusPacketConstants.h"
 #include "RadiusPacketParser/RadiusPktBuilder.h"
+#include "RadiusPacketParser/RadiusPktCommon.detail.h"
 
 namespace RadiusPktParserBase {
 
@@ -75,10 +76,10 @@ class AttributeAppender {
                          : detail::addAttribute(value, key, attrInfo, position, length_);
     if (fault == ErrorMsg::success) {
       // Where nothing was written nothing is hidden; a caller's mistake is one all the same.
-      static const AttrInfo nothingHidden;
-      fault = detail::encryptAttribute(
-          key, position, secret_, reqAuth_, hdr_,
-          detail::isWrittenAsNothing(value, key, attrInfo) ? nothingHidden : attrInfo);
+      static constexpr AttrInfo nothingHidden;
+      const bool isNothing = isHidden(attrInfo) && detail::isWrittenAsNothing(value, key, attrInfo);
+      fault = detail::encryptAttribute(key, position, secret_, reqAuth_, hdr_,
+                                       isNothing ? nothingHidden : attrInfo);
     }
     return fault == ErrorMsg::success ? passAttribute() : fault;
   }

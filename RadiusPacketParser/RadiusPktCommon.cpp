@@ -14,6 +14,7 @@
 #include "Zonet/WireReader.h"
 
 #include "RadiusPacketParser/RadiusPacketConstants.h"
+#include "RadiusPacketParser/RadiusPktCommon.detail.h"
 
 namespace RadiusPktParserBase {
 
@@ -137,20 +138,6 @@ ErrorMsg transformUnit(U8* unit, const String& secret, const Bytes& reqAuth, con
                        attrInfo.isTagged, encrypt);
 }
 
-void setFound(const RadiusPacketParser::RadiusNode& entry, AttrInfo& info) {
-  info.isConcat = entry.concat();
-  info.isTagged = entry.hasTag();
-  info.isInDict = true;
-  info.encryptionType = entry.attributeEncryptionType();
-  info.attributeType = entry.attributeType();
-  info.errorMsg = ErrorMsg::success;
-}
-
-void setMissing(ErrorMsg errorMsg, AttrInfo& info) {
-  info = AttrInfo();
-  info.errorMsg = errorMsg;
-}
-
 }  // namespace
 
 detail::HeaderFault detail::readHeader(ByteView pkt, RadiusHdr& hdr) {
@@ -181,19 +168,6 @@ void detail::copyAuthenticator(ByteView from, U8* to) {
   std::copy_n(from.data(), std::min<std::size_t>(from.size(), PacketConstants::authLength()), to);
 }
 
-bool isRequest(U8 code) {
-  switch (code) {
-    case RadiusCode::ACCESS_REQUEST:
-    case RadiusCode::ACCOUNTING_REQUEST:
-    case RadiusCode::STATUS_SERVER:
-    case RadiusCode::DISCONNECT_REQUEST:
-    case RadiusCode::COA_REQUEST:
-      return true;
-    default:
-      return false;
-  }
-}
-
 bool canAnswer(U8 response, U8 request) {
   switch (request) {
     case RadiusCode::ACCESS_REQUEST:
@@ -212,31 +186,26 @@ bool canAnswer(U8 response, U8 request) {
   }
 }
 
-void detail::getAttrInfo(const Attribute& attribute, const Ptr<const RadiusDict>& dict,
-                         AttrInfo& info) {
-  VERDA_TRACE(codecTrace, Verda::traceEntries, "", "entry");
-  VERDA_ASSERT(dict);
+AttrInfo detail::missingAttrInfo(const Attribute& attribute, const RadiusDict& dict) {
+  const auto missing = [](ErrorMsg errorMsg) {
+    AttrInfo info;
+    info.errorMsg = errorMsg;
+    return info;
+  };
   if (attribute.attrId != RadiusAttributeId::VENDOR_SPECIFIC) {
-    const auto* entry = dict->radiusAttribute().find(attribute.attrId);
-    if (entry == nullptr) {
-      VERDA_TRACE(codecTrace, Verda::traceErrors, "",
-                  "Missing attribute: {} from radius dictionary", attribute.attrId);
-      return setMissing(ErrorMsg::invalidAttrId, info);
-    }
-    return setFound(**entry, info);
+    VERDA_TRACE_AS(codecTrace, Verda::traceErrors, "", "getAttrInfo",
+                   "Missing attribute: {} from radius dictionary", attribute.attrId);
+    return missing(ErrorMsg::invalidAttrId);
   }
-  const auto* vendor = dict->vendorAttribute().find(attribute.vendorId);
-  if (vendor == nullptr) {
-    VERDA_TRACE(codecTrace, Verda::traceErrors, "", "Unsupported vendorId: {}", attribute.vendorId);
-    return setMissing(ErrorMsg::invalidVendorId, info);
+  if (!dict.vendorAttributeHas(attribute.vendorId)) {
+    VERDA_TRACE_AS(codecTrace, Verda::traceErrors, "", "getAttrInfo", "Unsupported vendorId: {}",
+                   attribute.vendorId);
+    return missing(ErrorMsg::invalidVendorId);
   }
-  const auto* entry = (*vendor)->vendorNodeDict().find(attribute.vendorAttrId);
-  if (entry == nullptr) {
-    VERDA_TRACE(codecTrace, Verda::traceErrors, "", "Unsupported vendorAttrId: {} for vendorId: {}",
-                attribute.vendorAttrId, attribute.vendorId);
-    return setMissing(ErrorMsg::invalidVendorAttrId, info);
-  }
-  setFound(**entry, info);
+  VERDA_TRACE_AS(codecTrace, Verda::traceErrors, "", "getAttrInfo",
+                 "Unsupported vendorAttrId: {} for vendorId: {}", attribute.vendorAttrId,
+                 attribute.vendorId);
+  return missing(ErrorMsg::invalidVendorAttrId);
 }
 
 AttrInfo getAttrInfo(Attribute attribute, const Ptr<const RadiusDict>& dict) {
@@ -456,18 +425,8 @@ ErrorMsg encryptHelper(U8* data, U32 len, const String& secret, const Bytes& aut
   return result;
 }
 
-ErrorMsg detail::encryptAttribute(const Attribute& attribute, U8* attr, const String& secret,
-                                  const Bytes& reqAuth, const RadiusHdr& hdr,
-                                  const AttrInfo& attrInfo) {
-  VERDA_TRACE(codecTrace, Verda::traceEntries, "", "entry");
-  if (isRequest(hdr.code())) {
-    VERDA_ASSERT_TEXT(reqAuth.empty(), "Request authenticator found not NULL for request packet");
-  } else {
-    VERDA_ASSERT_TEXT(!reqAuth.empty(), "Request authenticator found NULL for response packet");
-  }
-  if (!isHidden(attrInfo)) {
-    return ErrorMsg::success;
-  }
+ErrorMsg detail::hideValue(const Attribute& attribute, U8* attr, const String& secret,
+                           const Bytes& reqAuth, const RadiusHdr& hdr, const AttrInfo& attrInfo) {
   const bool isVendor = attribute.attrId == RadiusAttributeId::VENDOR_SPECIFIC;
   U8* const unit = isVendor ? attr + VsaConstants::vendorTypeOffset() : attr;
   return transformUnit(unit, secret, reqAuth, hdr, attrInfo, true);

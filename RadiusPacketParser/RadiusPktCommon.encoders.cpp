@@ -11,6 +11,7 @@
 #include "Zonet/WireWriter.h"
 
 #include "RadiusPacketParser/RadiusPacketConstants.h"
+#include "RadiusPacketParser/RadiusPktCommon.detail.h"
 
 namespace RadiusPktParserBase {
 
@@ -32,27 +33,34 @@ namespace {
 
 using ByteView = std::span<const U8>;
 
-// The encoders in whose name a value is written.
-constexpr std::string_view textEncoder = "addStrTypes";
-constexpr std::string_view octetsEncoder = "addOctetTypes";
-constexpr std::string_view numberEncoder = "addIntegerDateTypes";
+/// The encoder in whose name a value is written.
+enum class Encoder : U8 { text, octets, number, ipv4, ipv6, ipv6Prefix, ifid };
+
+constexpr std::string_view nameOf(Encoder encoder) {
+  constexpr std::array<std::string_view, 7> names{
+      "addStrTypes",  "addOctetTypes",      "addIntegerDateTypes", "addIpv4Types",
+      "addIpv6Types", "addIpv6PrefixTypes", "addIfidTypes",
+  };
+  return names[static_cast<std::size_t>(encoder)];
+}
 
 constexpr std::size_t maxValueLength =
     std::size_t{AttributeConstants::maxLength()} - AttributeConstants::valueOffset();
 
 // ---- Writing one attribute ----
 
-/// Where an attribute goes, in which form, and in whose name it is written.
+/// Where an attribute goes, in which form, and in whose name it is written. Small enough to travel
+/// in two registers, and passed by value for that.
 struct Target {
-  std::string_view encoder;
-  U8* buf;
+  Encoder encoder;
   U8 attrId;  ///< of the sub-attribute in vendor form
   bool isVsa;
   U16 curLen;
+  U8* buf;
 };
 
-void traceEntry(const Target& target) {
-  VERDA_TRACE_AS(codecTrace, Verda::traceEntries, "", target.encoder, "entry");
+void traceEntry(Target target) {
+  VERDA_TRACE_AS(codecTrace, Verda::traceEntries, "", nameOf(target.encoder), "entry");
 }
 
 bool fitsPacket(U16 curLen, std::size_t length) {
@@ -62,7 +70,7 @@ bool fitsPacket(U16 curLen, std::size_t length) {
 /// Writes Type and Length, and gives the place of the value behind them. What the outer attribute
 /// of a vendor's starts with is left alone, but for its Length, which counts modulo 256, on
 /// purpose: only the sub-attribute is held to the longest length.
-std::span<U8> writeTypeAndLength(const Target& target, std::size_t valueLength) {
+std::span<U8> writeTypeAndLength(Target target, std::size_t valueLength) {
   const auto length = static_cast<U8>(valueLength + AttributeConstants::valueOffset());
   U8* unit = target.buf;
   if (target.isVsa) {
@@ -77,17 +85,17 @@ std::span<U8> writeTypeAndLength(const Target& target, std::size_t valueLength) 
 
 /// Writes what stands in front of a value of that length, and gives the place of the value; or says
 /// which limit the attribute exceeds.
-ErrorMsg beginValue(const Target& target, std::size_t valueLength, std::span<U8>& value) {
+ErrorMsg beginValue(Target target, std::size_t valueLength, std::span<U8>& value) {
   const std::size_t length = valueLength + AttributeConstants::valueOffset();
   if (length > AttributeConstants::maxLength()) {
-    VERDA_TRACE_AS(codecTrace, Verda::traceErrors, "", target.encoder,
+    VERDA_TRACE_AS(codecTrace, Verda::traceErrors, "", nameOf(target.encoder),
                    "Attribute: {} with invalid length {}", target.attrId, length);
     return ErrorMsg::invalidAttrLength;
   }
   const std::size_t outerLength =
       length + (target.isVsa ? std::size_t{VsaConstants::vendorTypeOffset()} : 0);
   if (!fitsPacket(target.curLen, outerLength)) {
-    VERDA_TRACE_AS(codecTrace, Verda::traceErrors, "", target.encoder,
+    VERDA_TRACE_AS(codecTrace, Verda::traceErrors, "", nameOf(target.encoder),
                    "Attribute: {} Length: {} addition exceeds max packet length {}", target.attrId,
                    outerLength, target.curLen);
     return ErrorMsg::maxPktLengthExceeded;
@@ -96,7 +104,7 @@ ErrorMsg beginValue(const Target& target, std::size_t valueLength, std::span<U8>
   return ErrorMsg::success;
 }
 
-ErrorMsg writeText(const Target& target, ByteView text, U8 tag, bool isTagged) {
+ErrorMsg writeText(Target target, ByteView text, U8 tag, bool isTagged) {
   traceEntry(target);
   const std::size_t tagLength = isTagged ? 1 : 0;
   std::span<U8> value;
@@ -108,7 +116,7 @@ ErrorMsg writeText(const Target& target, ByteView text, U8 tag, bool isTagged) {
   return fault;
 }
 
-ErrorMsg writeOctets(const Target& target, ByteView octets) {
+ErrorMsg writeOctets(Target target, ByteView octets) {
   traceEntry(target);
   std::span<U8> value;
   const ErrorMsg fault = beginValue(target, octets.size(), value);
@@ -118,7 +126,7 @@ ErrorMsg writeOctets(const Target& target, ByteView octets) {
   return fault;
 }
 
-ErrorMsg writeNumber(const Target& target, U32 number, U8 tag, const AttrInfo& attrInfo) {
+ErrorMsg writeNumber(Target target, U32 number, U8 tag, const AttrInfo& attrInfo) {
   traceEntry(target);
   std::span<U8> value;
   const ErrorMsg fault = beginValue(target, AttributeConstants::intLength(), value);
@@ -134,7 +142,7 @@ ErrorMsg writeNumber(const Target& target, U32 number, U8 tag, const AttrInfo& a
 
 /// Writes the last `addressLength` bytes of an address of that family behind `front`; standard
 /// form, and no message when there is no room.
-ErrorMsg writeAddress(const Target& target, Zonet::IpFamily family, ByteView front,
+ErrorMsg writeAddress(Target target, Zonet::IpFamily family, ByteView front,
                       const IpGenPrefix& prefix, std::size_t addressLength) {
   traceEntry(target);
   if (prefix.address().family() != family) {
@@ -176,7 +184,7 @@ Match matchOfNumber(const AttrValue& value, const AttrInfo& attrInfo) {
 }
 
 /// Writes a value that matches a `string` attribute.
-ErrorMsg writeMatchingString(const Target& target, const AttrValue& value) {
+ErrorMsg writeMatchingString(Target target, const AttrValue& value) {
   if (const auto* tagged = std::get_if<TaggedStr>(&value)) {
     return writeText(target, tagged->str.bytes(), tagged->tag, true);
   }
@@ -184,8 +192,7 @@ ErrorMsg writeMatchingString(const Target& target, const AttrValue& value) {
 }
 
 /// Writes a value that matches an `integer` or `date` attribute.
-ErrorMsg writeMatchingNumber(const Target& target, const AttrValue& value,
-                             const AttrInfo& attrInfo) {
+ErrorMsg writeMatchingNumber(Target target, const AttrValue& value, const AttrInfo& attrInfo) {
   if (const auto* tagged = std::get_if<TaggedInt>(&value)) {
     return writeNumber(target, tagged->value, tagged->tag, attrInfo);
   }
@@ -199,7 +206,7 @@ ErrorMsg writeMatchingNumber(const Target& target, const AttrValue& value,
 
 /// A User-Password's text is cut at the longest length and filled up with zeros to whole blocks
 /// (RFC 2865 section 5.2).
-ErrorMsg writePassword(const Target& target, ByteView text) {
+ErrorMsg writePassword(Target target, ByteView text) {
   constexpr std::size_t block = AttributeConstants::passwdWordSize();
   std::array<U8, AttributeConstants::maxPasswdSize()> padded{};
   const ZoCrypto::CleanseOnExit clean(padded);
@@ -209,7 +216,7 @@ ErrorMsg writePassword(const Target& target, ByteView text) {
 }
 
 /// The messages are worded the wrong way round, and kept so.
-ErrorMsg addString(const Target& target, const AttrValue& value, const AttrInfo& attrInfo) {
+ErrorMsg addString(Target target, const AttrValue& value, const AttrInfo& attrInfo) {
   switch (matchOfString(value, attrInfo)) {
     case Match::exact:
       if (target.attrId == RadiusAttributeId::USER_PASSWORD && !attrInfo.isTagged) {
@@ -229,7 +236,7 @@ ErrorMsg addString(const Target& target, const AttrValue& value, const AttrInfo&
   return ErrorMsg::invalidAttrDataType;
 }
 
-ErrorMsg addNumber(const Target& target, const AttrValue& value, const AttrInfo& attrInfo) {
+ErrorMsg addNumber(Target target, const AttrValue& value, const AttrInfo& attrInfo) {
   switch (matchOfNumber(value, attrInfo)) {
     case Match::exact:
       return writeMatchingNumber(target, value, attrInfo);
@@ -251,7 +258,7 @@ ErrorMsg addFragments(U8 attrId, ByteView octets, U8*& position, U16& length) {
   U16 lengthAt = length;
   while (true) {
     const ByteView piece = octets.first(std::min(octets.size(), maxValueLength));
-    const ErrorMsg fault = writeOctets({octetsEncoder, at, attrId, false, lengthAt}, piece);
+    const ErrorMsg fault = writeOctets({Encoder::octets, attrId, false, lengthAt, at}, piece);
     if (fault != ErrorMsg::success) {
       return fault;
     }
@@ -277,7 +284,7 @@ ErrorMsg addOctets(U8 attrId, const AttrValue& value, const AttrInfo& attrInfo, 
   }
   return attrInfo.isConcat
              ? addFragments(attrId, octets->span(), position, length)
-             : writeOctets({octetsEncoder, position, attrId, false, length}, octets->span());
+             : writeOctets({Encoder::octets, attrId, false, length, position}, octets->span());
 }
 
 using AddressEncoder = ErrorMsg(U8* buf, U8 attrId, const IpGenPrefix& prefix, U16 curLen);
@@ -300,7 +307,7 @@ ErrorMsg addAddress(AddressEncoder encode, U8 attrId, const AttrValue& value, U8
                  (attribute).vendorAttrId)
 
 /// The messages are worded the wrong way round, and kept so.
-ErrorMsg addVendorString(const Target& target, const Attribute& attribute, const AttrValue& value,
+ErrorMsg addVendorString(Target target, const Attribute& attribute, const AttrValue& value,
                          const AttrInfo& attrInfo) {
   switch (matchOfString(value, attrInfo)) {
     case Match::exact:
@@ -321,7 +328,7 @@ ErrorMsg addVendorString(const Target& target, const Attribute& attribute, const
   return ErrorMsg::invalidVendorAttrDataType;
 }
 
-ErrorMsg addVendorOctets(const Target& target, const Attribute& attribute, const AttrValue& value) {
+ErrorMsg addVendorOctets(Target target, const Attribute& attribute, const AttrValue& value) {
   if (const auto* octets = std::get_if<Bytes>(&value)) {
     return writeOctets(target, octets->span());
   }
@@ -330,7 +337,7 @@ ErrorMsg addVendorOctets(const Target& target, const Attribute& attribute, const
   return ErrorMsg::invalidVendorAttrDataType;
 }
 
-ErrorMsg addVendorNumber(const Target& target, const Attribute& attribute, const AttrValue& value,
+ErrorMsg addVendorNumber(Target target, const Attribute& attribute, const AttrValue& value,
                          const AttrInfo& attrInfo) {
   switch (matchOfNumber(value, attrInfo)) {
     case Match::exact:
@@ -351,20 +358,20 @@ ErrorMsg addVendorNumber(const Target& target, const Attribute& attribute, const
 /// Writes the sub-attribute and the outer Length, by the data type.
 ErrorMsg addSubAttribute(const AttrValue& value, const Attribute& attribute,
                          const AttrInfo& attrInfo, U8* buf, U16 length) {
-  const auto target = [&](std::string_view encoder) {
-    return Target{encoder, buf, attribute.vendorAttrId, true, length};
+  const auto target = [&](Encoder encoder) {
+    return Target{encoder, attribute.vendorAttrId, true, length, buf};
   };
   switch (attrInfo.attributeType) {
     case RadiusAttributeType::unknown:
       TRACE_VENDOR("VendorId: {} VendorAttrId: {} Unknown data type", attribute);
       return ErrorMsg::unknownAttrDataType;
     case RadiusAttributeType::string:
-      return addVendorString(target(textEncoder), attribute, value, attrInfo);
+      return addVendorString(target(Encoder::text), attribute, value, attrInfo);
     case RadiusAttributeType::octets:
-      return addVendorOctets(target(octetsEncoder), attribute, value);
+      return addVendorOctets(target(Encoder::octets), attribute, value);
     case RadiusAttributeType::date:
     case RadiusAttributeType::integer:
-      return addVendorNumber(target(numberEncoder), attribute, value, attrInfo);
+      return addVendorNumber(target(Encoder::number), attribute, value, attrInfo);
     default:
       TRACE_VENDOR("Erroneous data type for vendorId: {} and vendorAttrId: {}", attribute);
       return ErrorMsg::invalidVendorAttrDataType;
@@ -382,37 +389,38 @@ void writeVendor(U32 vendorId, U8* buf) {
 
 ErrorMsg addStrTypes(U8* buf, U8 attrId, const String& str, U8 tag, AttrInfo attrInfo, bool isVsa,
                      U16 curLen) {
-  return writeText({textEncoder, buf, attrId, isVsa, curLen}, str.bytes(), tag, attrInfo.isTagged);
+  return writeText({Encoder::text, attrId, isVsa, curLen, buf}, str.bytes(), tag,
+                   attrInfo.isTagged);
 }
 
 ErrorMsg addOctetTypes(U8* buf, U8 attrId, const Bytes& bytes, bool isVsa, U16 curLen) {
-  return writeOctets({octetsEncoder, buf, attrId, isVsa, curLen}, bytes.span());
+  return writeOctets({Encoder::octets, attrId, isVsa, curLen, buf}, bytes.span());
 }
 
 ErrorMsg addIntegerDateTypes(U8* buf, U8 attrId, const U32& value, U8 tag, AttrInfo attrInfo,
                              bool isVsa, U16 curLen) {
-  return writeNumber({numberEncoder, buf, attrId, isVsa, curLen}, value, tag, attrInfo);
+  return writeNumber({Encoder::number, attrId, isVsa, curLen, buf}, value, tag, attrInfo);
 }
 
 ErrorMsg addIpv4Types(U8* buf, U8 attrId, const IpGenPrefix& prefix, U16 curLen) {
-  return writeAddress({__func__, buf, attrId, false, curLen}, Zonet::IpFamily::ip4, {}, prefix,
+  return writeAddress({Encoder::ipv4, attrId, false, curLen, buf}, Zonet::IpFamily::ip4, {}, prefix,
                       AttributeConstants::ipv4Length());
 }
 
 ErrorMsg addIpv6Types(U8* buf, U8 attrId, const IpGenPrefix& prefix, U16 curLen) {
-  return writeAddress({__func__, buf, attrId, false, curLen}, Zonet::IpFamily::ip6, {}, prefix,
+  return writeAddress({Encoder::ipv6, attrId, false, curLen, buf}, Zonet::IpFamily::ip6, {}, prefix,
                       AttributeConstants::ipv6Length());
 }
 
 ErrorMsg addIpv6PrefixTypes(U8* buf, U8 attrId, const IpGenPrefix& prefix, U16 curLen) {
   std::array<U8, AttributeConstants::minIpv6PrefixAttrLength()> front{};
   front[ipv6PrefixLengthOffset] = prefix.prefixLength();
-  return writeAddress({__func__, buf, attrId, false, curLen}, Zonet::IpFamily::ip6, front, prefix,
-                      AttributeConstants::ipv6Length());
+  return writeAddress({Encoder::ipv6Prefix, attrId, false, curLen, buf}, Zonet::IpFamily::ip6,
+                      front, prefix, AttributeConstants::ipv6Length());
 }
 
 ErrorMsg addIfidTypes(U8* buf, U8 attrId, const IpGenPrefix& prefix, U16 curLen) {
-  return writeAddress({__func__, buf, attrId, false, curLen}, Zonet::IpFamily::ip6, {}, prefix,
+  return writeAddress({Encoder::ifid, attrId, false, curLen, buf}, Zonet::IpFamily::ip6, {}, prefix,
                       AttributeConstants::ipv6InterfaceLength());
 }
 
@@ -447,7 +455,7 @@ ErrorMsg detail::addAttribute(const AttrValue& value, const Attribute& attribute
       TRACE_STANDARD("AttrId: {} Unknown data type", attrId);
       return ErrorMsg::unknownAttrDataType;
     case RadiusAttributeType::string:
-      return addString({textEncoder, position, attrId, false, length}, value, attrInfo);
+      return addString({Encoder::text, attrId, false, length, position}, value, attrInfo);
     case RadiusAttributeType::octets:
       return addOctets(attrId, value, attrInfo, position, length);
     case RadiusAttributeType::ipaddr:
@@ -460,7 +468,7 @@ ErrorMsg detail::addAttribute(const AttrValue& value, const Attribute& attribute
       return addAddress(addIfidTypes, attrId, value, position, length);
     case RadiusAttributeType::date:
     case RadiusAttributeType::integer:
-      return addNumber({numberEncoder, position, attrId, false, length}, value, attrInfo);
+      return addNumber({Encoder::number, attrId, false, length, position}, value, attrInfo);
     default:
       TRACE_STANDARD("AttrId: {} Erroneous type encountered", attrId);
       return ErrorMsg::invalidAttrDataType;

@@ -80,7 +80,19 @@ class VERDA_EXPORT AttributeCursor {
 /// Whether `code` is that of a request (Access-Request, Accounting-Request, Status-Server,
 /// Disconnect-Request, CoA-Request): its packets are handled with an empty Request Authenticator,
 /// those of every other code with the authenticator of the request that they answer.
-VERDA_EXPORT bool isRequest(Verda::U8 code);
+constexpr bool isRequest(Verda::U8 code) {
+  using RadiusPacketParser::RadiusCode;
+  switch (code) {
+    case RadiusCode::ACCESS_REQUEST:
+    case RadiusCode::ACCOUNTING_REQUEST:
+    case RadiusCode::STATUS_SERVER:
+    case RadiusCode::DISCONNECT_REQUEST:
+    case RadiusCode::COA_REQUEST:
+      return true;
+    default:
+      return false;
+  }
+}
 
 /// Whether a packet of code `response` can answer a request of code `request`: 2, 3, 11 answer 1;
 /// 2, 5 answer 12; 5 answers 4; 41, 42 answer 40; 44, 45 answer 43. An agent that waits for an
@@ -320,53 +332,5 @@ VERDA_EXPORT Verda::Ptr<PktReturn> invalidPkt(ErrorMsg errorMsg);
 
 /// The failed result of parsing or making a header: no header, and `errorMsg`.
 VERDA_EXPORT Verda::Ptr<RadiusHdrReturn> invalidHdr(ErrorMsg errorMsg);
-
-namespace detail {
-
-/// What is wrong with the bytes of a header.
-enum class HeaderFault : Verda::U8 {
-  none,
-  tooShort,          ///< fewer bytes than a header has
-  lengthOutOfRange,  ///< the Length field says less than 20 or more than 4096
-  cut,               ///< the Length field says more bytes than there are
-};
-
-/// Reads the header of a packet. Unless the packet is too short, `hdr` holds what it says.
-HeaderFault readHeader(std::span<const Verda::U8> pkt, RadiusHdr& hdr);
-
-/// Whether packets of that code have an authenticator that is random, and not a digest.
-bool hasRandomAuthenticator(Verda::U8 code);
-
-/// Copies as many of an authenticator's bytes as there are into a 16-byte place.
-void copyAuthenticator(std::span<const Verda::U8> from, Verda::U8* to);
-
-/// Whether the encoder of a value that goes with its attribute writes no attribute: a `TaggedInt`
-/// for a tagged `date`, and an empty value of a standard concat attribute.
-bool isWrittenAsNothing(const AttrValue& value, const Attribute& attribute,
-                        const AttrInfo& attrInfo);
-
-// What the functions of these names do, for walk and assembly, which ask them of every attribute.
-// Values go by reference because copying them costs, key and info because they have just been
-// written field by field, and to load them whole into a register, as passing them by value does,
-// would stall the processor each time.
-
-void getAttrInfo(const Attribute& attribute,
-                 const Verda::Ptr<const RadiusPacketParser::RadiusDict>& dict, AttrInfo& info);
-
-ErrorMsg addAttribute(const AttrValue& value, const Attribute& attribute, const AttrInfo& attrInfo,
-                      Verda::U8*& position, Verda::U16& length);
-
-ErrorMsg addVsa(const AttrValue& value, const Attribute& attribute, const AttrInfo& attrInfo,
-                Verda::U8* buf, Verda::U16 length);
-
-ErrorMsg encryptAttribute(const Attribute& attribute, Verda::U8* attr, const Verda::String& secret,
-                          const Verda::Bytes& reqAuth, const RadiusHdr& hdr,
-                          const AttrInfo& attrInfo);
-
-ErrorMsg decryptAttribute(const Attribute& attribute, Verda::U8* unit, const Verda::String& secret,
-                          const Verda::Bytes& reqAuth, const RadiusHdr& hdr,
-                          const AttrInfo& attrInfo);
-
-}  // namespace detail
 
 }  // namespace RadiusPktParserBase

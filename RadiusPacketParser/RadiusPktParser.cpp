@@ -13,6 +13,7 @@
 #include "Zonet/WireReader.h"
 
 #include "RadiusPacketParser/RadiusPacketConstants.h"
+#include "RadiusPacketParser/RadiusPktCommon.detail.h"
 #include "RadiusPacketParser/RadiusPktCommon.h"
 
 namespace RadiusPktParserBase {

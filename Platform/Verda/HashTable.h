@@ -1,8 +1,9 @@
 #pragma once
 
-#include <bit>
+#include <concepts>
 #include <cstddef>
 #include <optional>
+#include <type_traits>
 #include <utility>
 #include <vector>
 
@@ -12,13 +13,17 @@
 namespace Verda {
 
 /// The table under `HashMap` and `HashSet`: open addressing with linear probing in a power of two
-/// of slots, at most half of them used. An empty table holds no memory. No iteration order is
-/// promised; changing the table ends iterations and moves entries.
+/// of slots, at most half of them used; for keys of one byte a slot for each key there is. An empty
+/// table holds no memory. No iteration order is promised; changing the table ends iterations and
+/// moves entries.
 ///
 /// `KeyOf` is a function object that gives an entry's key.
 template <typename Entry, typename KeyOf>
 class HashTable {
   using Slots = std::vector<std::optional<Entry>>;
+  using EntryKey = std::remove_cvref_t<std::invoke_result_t<KeyOf, const Entry&>>;
+
+  static constexpr bool everyKeyHasItsSlot = std::integral<EntryKey> && sizeof(EntryKey) == 1;
 
  public:
   class Iterator {
@@ -97,7 +102,7 @@ class HashTable {
     if (Entry* present = find(KeyOf{}(entry))) {
       return {present, false};
     }
-    if ((size_ + 1) * 2 > slots_.size()) {
+    if (isFull()) {
       grow();
     }
     std::optional<Entry>& slot = slots_[slotOf(KeyOf{}(entry))];
@@ -116,7 +121,9 @@ class HashTable {
     std::optional<Entry> removed = std::exchange(slots_[hole], std::nullopt);
     if (removed.has_value()) {
       --size_;
-      closeHole(hole);
+      if constexpr (!everyKeyHasItsSlot) {
+        closeHole(hole);
+      }
     }
     return removed;
   }
@@ -129,7 +136,11 @@ class HashTable {
 
  private:
   static constexpr U32 seed = 0x52414449;
-  static constexpr std::size_t firstSlots = 8;
+  static constexpr std::size_t firstSlots = everyKeyHasItsSlot ? 256 : 8;
+
+  bool isFull() const {
+    return everyKeyHasItsSlot ? slots_.empty() : (size_ + 1) * 2 > slots_.size();
+  }
 
   template <typename Key>
   std::size_t homeOf(const Key& key) const {
@@ -140,6 +151,9 @@ class HashTable {
   template <typename Key>
   std::size_t slotOf(const Key& key) const {
     std::size_t at = homeOf(key);
+    if constexpr (everyKeyHasItsSlot) {
+      return at;
+    }
     while (slots_[at].has_value() && !(KeyOf{}(*slots_[at]) == key)) {
       at = (at + 1) & mask_;
     }

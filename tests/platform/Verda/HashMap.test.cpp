@@ -13,6 +13,11 @@
 namespace TestSupport {
 
 template <>
+Verda::U8 keyOf<Verda::U8>(Verda::U32 number) {
+  return static_cast<Verda::U8>(number * 6);
+}
+
+template <>
 Verda::U32 keyOf<Verda::U32>(Verda::U32 number) {
   return number;
 }
@@ -30,11 +35,12 @@ using TestSupport::CollidingKey;
 using Verda::HashMap;
 using Verda::String;
 using Verda::U32;
+using Verda::U8;
 
 template <typename Key>
 class HashMapOf : public testing::Test {};
 
-using Keys = testing::Types<U32, String, CollidingKey>;
+using Keys = testing::Types<U8, U32, String, CollidingKey>;
 TYPED_TEST_SUITE(HashMapOf, Keys, );
 
 TYPED_TEST(HashMapOf, AgreesWithStdMapUnderRandomOperations) {
@@ -72,6 +78,26 @@ TEST(HashMap, HoldsTenThousandKeys) {
     ASSERT_EQ(*map.find(key), key + 1);
   }
   EXPECT_EQ(map.find(10'000), nullptr);
+}
+
+TEST(HashMap, HoldsEveryKeyOfOneByte) {
+  HashMap<U8, U32> map;
+  for (U32 key = 0; key <= 0xFF; ++key) {
+    ASSERT_EQ(map.find(static_cast<U8>(key)), nullptr);
+    map.insert(static_cast<U8>(key), key + 1);
+  }
+  EXPECT_EQ(map.size(), 256U);
+  EXPECT_EQ(map.remove(200), 201U);
+  EXPECT_EQ(map.find(200), nullptr);
+  U32 sum = 0;
+  for (const auto& member : map) {
+    EXPECT_EQ(member.value, member.key + 1U);
+    sum += member.key;
+  }
+  EXPECT_EQ(sum, 255U * 256U / 2U - 200U);
+  map.clear();
+  EXPECT_TRUE(map.empty());
+  EXPECT_EQ(map.find(0), nullptr);
 }
 
 TEST(HashMap, TakesValuesThatOnlyMove) {

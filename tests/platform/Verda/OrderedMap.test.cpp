@@ -45,14 +45,22 @@ TEST(OrderedMap, KeepsTheValueThatIsPresent) {
   EXPECT_EQ(map.size(), 1U);
 }
 
-TEST(OrderedMap, KeepsFoundValuesInPlaceWhileOthersCome) {
+TEST(OrderedMap, TakesItsKeysInAnyOrder) {
   OrderedMap<U32, U32> map;
-  const U32* const value = &map.insert(500, 5);
-  for (U32 key = 0; key < 1'000; ++key) {
-    map.insert(key, key);
+  for (U32 step = 0; step < 1'000; ++step) {
+    const U32 key = step * 387 % 1'000;
+    EXPECT_EQ(map.insert(key, step), step);
   }
-  EXPECT_EQ(map.find(500), value);
-  EXPECT_EQ(*value, 5U);
+  U32 expected = 0;
+  for (const auto& [key, value] : map) {
+    EXPECT_EQ(key, expected);
+    EXPECT_EQ(value * 387 % 1'000, key);
+    ++expected;
+  }
+  EXPECT_EQ(expected, 1'000U);
+  EXPECT_EQ(map.remove(0), 0U);
+  EXPECT_EQ(map.remove(0), std::nullopt);
+  EXPECT_EQ(map.begin()->first, 1U);
 }
 
 }  // namespace
