@@ -2,8 +2,10 @@
 
 #include <charconv>
 #include <chrono>
+#include <cstddef>
 #include <exception>
 #include <iostream>
+#include <limits>
 #include <set>
 #include <span>
 #include <stdexcept>
@@ -27,12 +29,20 @@ struct UsageError : std::runtime_error {
   using std::runtime_error::runtime_error;
 };
 
+/// How many arguments an agent takes.
+struct ArgumentCount {
+  std::size_t least;
+  std::size_t most = least;
+};
+
+constexpr std::size_t anyNumber = std::numeric_limits<std::size_t>::max();
+
 /// Options and arguments: `-n TRIES`, `-t MILLISECONDS` (the first wait for an answer), and flags.
 class CommandLine {
  public:
   /// @param options  those that there are, as `getopt` takes them
-  /// Throws `UsageError` for others, and for fewer arguments than `leastArguments`.
-  CommandLine(int argc, char** argv, const char* options, std::size_t leastArguments) {
+  /// Throws `UsageError` for others, and for fewer or more arguments than `count` says.
+  CommandLine(int argc, char** argv, const char* options, ArgumentCount count) {
     opterr = 0;
     for (int option = 0; (option = ::getopt(argc, argv, options)) != -1;) {
       switch (option) {
@@ -50,8 +60,11 @@ class CommandLine {
     }
     arguments_ =
         std::span(argv, static_cast<std::size_t>(argc)).subspan(static_cast<std::size_t>(optind));
-    if (arguments_.size() < leastArguments) {
+    if (arguments_.size() < count.least) {
       throw UsageError("too few arguments");
+    }
+    if (arguments_.size() > count.most) {
+      throw UsageError("too many arguments");
     }
   }
 
@@ -80,10 +93,10 @@ class CommandLine {
 /// Returns the process's exit code.
 /// @param usage  the agent's name, options and arguments
 template <typename Run>
-int runAgent(int argc, char** argv, const char* options, std::size_t leastArguments,
-             const char* usage, const Run& run) {
+int runAgent(int argc, char** argv, const char* options, ArgumentCount count, const char* usage,
+             const Run& run) {
   try {
-    return run(CommandLine(argc, argv, options, leastArguments));
+    return run(CommandLine(argc, argv, options, count));
   } catch (const UsageError& fault) {
     std::cerr << fault.what() << "\nusage: " << usage << '\n';
     return exitUsage;

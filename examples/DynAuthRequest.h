@@ -1,11 +1,13 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdlib>
 #include <ctime>
 #include <optional>
 #include <variant>
 #include <vector>
 
+#include "Verda/Bytes.h"
 #include "Verda/Ptr.h"
 #include "Verda/String.h"
 #include "Verda/Types.h"
@@ -27,11 +29,27 @@ class DynAuthRequest : public RadiusPktParserBase::PktInfoParser {
     return !eventTimestamp || std::abs(std::time(nullptr) - std::time_t{*eventTimestamp}) <= window;
   }
 
+  /// An answer gives back what proxies left and is signed as the request was, so that it is never
+  /// longer than the request; a NAK says why as well, where there is room.
+  bool leavesRoomForErrorCause() const {
+    using RadiusPacketParser::AttributeConstants;
+    constexpr std::size_t errorCauseLength =
+        AttributeConstants::valueOffset() + AttributeConstants::intLength();
+    return answerLength + errorCauseLength <= RadiusPacketParser::PacketConstants::maxLength();
+  }
+
+  /// Notes an attribute that the answer has as well.
+  void answerHas(std::size_t valueLength) {
+    answerLength += RadiusPacketParser::AttributeConstants::valueOffset() + valueLength;
+  }
+
   std::optional<Verda::String> sessionId;
   std::optional<Verda::U32> eventTimestamp;
   std::vector<RadiusPktParserBase::AttrValue> proxyStates;
   bool changesSession = false;
+  bool isWellFormed = true;  ///< carries nothing twice that a request has once at most
   bool isUnderstood = true;  ///< carries no attribute that means nothing here
+  std::size_t answerLength = RadiusPacketParser::PacketConstants::headerLength();
 };
 
 /// Fills a `DynAuthRequest`.
@@ -47,23 +65,34 @@ class DynAuthRequestParser : public RadiusPktParserBase::RadiusPktParser {
     auto& request = static_cast<DynAuthRequest&>(*sink);
     switch (attr.attrId) {
       case RadiusAttributeId::ACCT_SESSION_ID:
-        request.sessionId = std::get<Verda::String>(value);
+        takeOnce(value, request.sessionId, request);
         break;
       case RadiusAttributeId::EVENT_TIMESTAMP:
-        request.eventTimestamp = std::get<Verda::U32>(value);
+        takeOnce(value, request.eventTimestamp, request);
         break;
       case RadiusAttributeId::PROXY_STATE:
         request.proxyStates.push_back(value);
+        request.answerHas(std::get<Verda::Bytes>(value).size());
         break;
       case RadiusAttributeId::SESSION_TIMEOUT:
       case RadiusAttributeId::FILTER_ID:
         request.changesSession = true;
         break;
       case RadiusAttributeId::MESSAGE_AUTHENTICATOR:
+        request.answerHas(RadiusPacketParser::AttributeConstants::msgAuthLength());
         break;
       default:
         request.isUnderstood = false;
     }
+  }
+
+ private:
+  /// Which of two would be meant, nobody can know (RFC 5176 section 3.6).
+  template <typename T>
+  static void takeOnce(const RadiusPktParserBase::AttrValue& value, std::optional<T>& place,
+                       DynAuthRequest& request) {
+    request.isWellFormed = request.isWellFormed && !place;
+    place = std::get<T>(value);
   }
 };
 

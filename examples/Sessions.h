@@ -22,6 +22,9 @@ class Sessions {
 
   /// Does what is asked for, or says why not: a Disconnect ends a session, a CoA changes it.
   Outcome::RadiusDynAuthErrorCodeEnum obey(Verda::U8 code, const DynAuthRequest& request) {
+    if (!request.isWellFormed) {
+      return Outcome::INVALID_REQUEST;
+    }
     const bool isCoa = code == RadiusPacketParser::RadiusCode::COA_REQUEST;
     if (!request.isUnderstood || (request.changesSession && !isCoa)) {
       return Outcome::UNSUPPORTED_ATTRIBUTE;

@@ -113,7 +113,7 @@ int run(const Example::CommandLine& line) {
 }  // namespace
 
 int main(int argc, char** argv) {
-  return Example::runAgent(argc, argv, "n:t:", 6,
+  return Example::runAgent(argc, argv, "n:t:", {6},
                            "acct_client [-n TRIES] [-t MILLISECONDS] "
                            "DICTIONARY SECRET-FILE HOST PORT USER SESSION-ID",
                            run);

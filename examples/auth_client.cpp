@@ -12,6 +12,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cstdio>
 #include <iostream>
 #include <span>
 #include <string>
@@ -24,6 +25,7 @@
 #include "examples/AttributeLines.h"
 #include "examples/CommandLine.h"
 #include "examples/Exchange.h"
+#include "examples/FirstLine.h"
 #include "examples/NewPacket.h"
 #include "examples/SecretFile.h"
 #include "examples/UdpSocket.h"
@@ -81,8 +83,7 @@ void addPassword(std::string password, Example::AttributesToAdd& attributes) {
 }
 
 Example::AttributesToAdd accessRequest(const Example::CommandLine& line) {
-  std::string password;
-  std::getline(std::cin, password);
+  const std::string password = Example::firstLine(stdin, "standard input");
   Example::AttributesToAdd attributes;
   attributes.addMessageAuthenticator();  // first, so that nobody can put anything in front of it
   attributes.addText(RadiusAttributeId::USER_NAME, line[4]);
@@ -130,7 +131,7 @@ int run(const Example::CommandLine& line) {
 }  // namespace
 
 int main(int argc, char** argv) {
-  return Example::runAgent(argc, argv, "cun:t:", 5,
+  return Example::runAgent(argc, argv, "cun:t:", {5},
                            "auth_client [-c] [-u] [-n TRIES] [-t MILLISECONDS] "
                            "DICTIONARY SECRET-FILE HOST PORT USER",
                            run);

@@ -86,7 +86,7 @@ class Server {
     if (request.msgAuthPresent()) {
       attributes.addMessageAuthenticator();
     }
-    if (!isAck) {
+    if (!isAck && request.leavesRoomForErrorCause()) {
       attributes.add(RadiusAttributeId::ERROR_CAUSE, Verda::U32{cause});
     }
     for (const RadiusPktParserBase::AttrValue& state : request.proxyStates) {
@@ -134,6 +134,6 @@ class Server {
 }  // namespace
 
 int main(int argc, char** argv) {
-  return Example::runAgent(argc, argv, "", 4,
+  return Example::runAgent(argc, argv, "", {4, Example::anyNumber},
                            "dynauth_server DICTIONARY SECRET-FILE HOST PORT SESSION-ID...", run);
 }

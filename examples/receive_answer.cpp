@@ -3,16 +3,23 @@
 //
 //   receive_answer DICTIONARY SECRET-FILE REQUEST-HEX ANSWER-HEX
 //
-// The packets come as hex in place of a socket. Exit status: 0 for a good answer, 1 for a refused
-// one.
+// The packets come as hex in place of a socket. Exit status: 0 a good answer; 1 a refused one; 3 a
+// fault on this side; 64 wrong usage.
+// A dictionary that does not load ends the process by an assertion.
 
+#include <algorithm>
+#include <charconv>
 #include <iostream>
 #include <span>
+#include <stdexcept>
 #include <string>
+#include <string_view>
+#include <system_error>
 #include <vector>
 
 #include "examples/Answer.h"
 #include "examples/AttributeLines.h"
+#include "examples/CommandLine.h"
 #include "examples/SecretFile.h"
 
 namespace {
@@ -21,51 +28,46 @@ using RadiusPktParserBase::ErrorMsg;
 using Verda::Ptr;
 using Zonet::Pkt;
 
-Ptr<Pkt> packetFromHex(const std::string& digits) {
+Ptr<Pkt> packetFromHex(std::string_view digits) {
+  constexpr std::size_t digitsOfByte = 2;
+  constexpr int base = 16;
   std::vector<Verda::U8> bytes;
-  for (std::size_t at = 0; at + 1 < digits.size(); at += 2) {
-    bytes.push_back(static_cast<Verda::U8>(std::stoul(digits.substr(at, 2), nullptr, 16)));
+  for (; !digits.empty(); digits.remove_prefix(digitsOfByte)) {
+    const char* const end = digits.data() + std::min(digitsOfByte, digits.size());
+    const auto [stop, fault] = std::from_chars(digits.data(), end, bytes.emplace_back(), base);
+    if (fault != std::errc() || stop != digits.data() + digitsOfByte) {
+      throw std::runtime_error("a packet is no hex: two digits a byte and nothing else");
+    }
   }
   return Zonet::pktFactory(std::span<const Verda::U8>(bytes));
 }
 
-int run(std::span<char*> arguments) {
-  const auto dictionary =
-      RadiusPacketParser::radiusDictionaryParserFactory(arguments[1])->dictionary();
+int run(const Example::CommandLine& line) {
+  const auto dictionary = RadiusPacketParser::radiusDictionaryParserFactory(line[0])->dictionary();
   Example::DescribingParser parser(dictionary);
 
-  const auto request = parser.getHeader(packetFromHex(arguments[3]));
+  const auto request = parser.getHeader(packetFromHex(line[2]));
   if (request->errorMsg() != ErrorMsg::success) {
     std::cerr << "the request has no good header: " << request->errorMsg() << '\n';
-    return 1;
+    return Example::exitFault;
   }
   const auto sink = Example::AttributeLines::make();
-  const std::string fault =
-      Example::faultOfAnswer(parser, packetFromHex(arguments[4]), Example::readSecret(arguments[2]),
-                             *request->hdr(), sink);
+  const std::string fault = Example::faultOfAnswer(
+      parser, packetFromHex(line[3]), Example::readSecret(line[1]), *request->hdr(), sink);
   if (!fault.empty()) {
     std::cout << "refused: " << fault << '\n';
-    return 1;
+    return Example::exitRefused;
   }
   std::cout << "accepted\n";
-  for (const std::string& line : sink->lines) {
-    std::cout << "  " << line << '\n';
+  for (const std::string& attribute : sink->lines) {
+    std::cout << "  " << attribute << '\n';
   }
-  return 0;
+  return Example::exitGood;
 }
 
 }  // namespace
 
 int main(int argc, char** argv) {
-  const std::span<char*> arguments(argv, static_cast<std::size_t>(argc));
-  if (arguments.size() != 5) {
-    std::cerr << "usage: receive_answer DICTIONARY SECRET-FILE REQUEST-HEX ANSWER-HEX\n";
-    return 1;
-  }
-  try {
-    return run(arguments);
-  } catch (const std::exception& fault) {
-    std::cerr << fault.what() << '\n';
-    return 1;
-  }
+  return Example::runAgent(argc, argv, "", {4},
+                           "receive_answer DICTIONARY SECRET-FILE REQUEST-HEX ANSWER-HEX", run);
 }

@@ -82,6 +82,6 @@ int run(const Example::CommandLine& line) {
 
 int main(int argc, char** argv) {
   return Example::runAgent(
-      argc, argv, "n:t:", 4,
+      argc, argv, "n:t:", {4},
       "status_probe [-n TRIES] [-t MILLISECONDS] DICTIONARY SECRET-FILE HOST PORT", run);
 }

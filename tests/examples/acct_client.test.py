@@ -108,10 +108,11 @@ class AcctClient(unittest.TestCase):
             self.assertEqual(server.requests_left(), [])
 
     def test_says_how_it_is_used(self):
-        with Agent("acct_client") as client:
-            self.assertEqual(client.result(), (
-                EXIT_USAGE, "", "too few arguments\nusage: acct_client [-n TRIES] "
-                "[-t MILLISECONDS] DICTIONARY SECRET-FILE HOST PORT USER SESSION-ID\n"))
+        for arguments, fault in (("", "too few"), ("12345", "too few"), ("1234567", "too many")):
+            with self.subTest(fault), Agent("acct_client", *arguments) as client:
+                self.assertEqual(client.result(), (
+                    EXIT_USAGE, "", f"{fault} arguments\nusage: acct_client [-n TRIES] "
+                    "[-t MILLISECONDS] DICTIONARY SECRET-FILE HOST PORT USER SESSION-ID\n"))
 
 
 if __name__ == "__main__":

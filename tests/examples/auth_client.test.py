@@ -4,12 +4,14 @@
 """
 
 import hashlib
+import os
+import subprocess
 import sys
 import unittest
 
-from agents import (DICTIONARY, EXIT_FAULT, EXIT_GOOD, EXIT_NO_ANSWER, EXIT_REFUSED, EXIT_USAGE,
-                    HOST, MANY_TRIES, ONE_TRY, SECRET_FILE, SHORT_WAIT,
-                    Agent, Server, file_with, ignored, udp_socket,
+from agents import (AGENTS, DICTIONARY, EXIT_FAULT, EXIT_GOOD, EXIT_NO_ANSWER, EXIT_REFUSED,
+                    EXIT_USAGE, HOST, MANY_TRIES, ONE_TRY, PATIENCE_SECONDS, SECRET_FILE,
+                    SHORT_WAIT, Agent, Server, file_with, folder, ignored, udp_socket,
                     without_signature)
 from packets import (ACCESS_ACCEPT, ACCESS_CHALLENGE, ACCESS_REJECT, ACCESS_REQUEST, CHAP_CHALLENGE,
                      CHAP_PASSWORD, MESSAGE_AUTHENTICATOR, MESSAGE_AUTHENTICATOR_PLACE,
@@ -19,6 +21,8 @@ from packets import (ACCESS_ACCEPT, ACCESS_CHALLENGE, ACCESS_REJECT, ACCESS_REQU
 from wrong_answers import wrong_answers
 
 HELLO = attribute(REPLY_MESSAGE, b"hello")
+LONGEST_LINE = 65536
+TOO_LONG = f"{{}}: the first line is longer than {LONGEST_LINE} bytes\n"
 FORGED = attribute(MESSAGE_AUTHENTICATOR, b"sixteen bytes...")
 
 
@@ -177,11 +181,40 @@ class AuthClient(unittest.TestCase):
                 self.assertEqual(server.requests_left(), [])
 
     def test_needs_a_secret(self):
-        for path in (file_with(b""), file_with(b"\nsecond line\n"), "/nonexistent"):
+        empty = "{}: the first line is to be the secret, and is empty\n"
+        for path, fault in (
+                (file_with(b""), empty), (file_with(b"\nsecond line\n"), empty),
+                ("/nonexistent", "cannot read {}: No such file or directory\n"),
+                (folder.name, "cannot read {}: Is a directory\n"),
+                (file_with(b"x" * (LONGEST_LINE + 1)), TOO_LONG), ("/dev/zero", TOO_LONG)):
             with self.subTest(path):
                 with Agent("auth_client", DICTIONARY, path, HOST, 1812, "alice") as client:
-                    self.assertEqual(client.result(),
-                                     (EXIT_FAULT, "", f"{path}: no secret there\n"))
+                    self.assertEqual(client.result(), (EXIT_FAULT, "", fault.format(path)))
+
+    def test_takes_the_longest_secret(self):
+        secret = b"x" * LONGEST_LINE
+        for content in (secret, secret + b"\n", secret + b"\nsecond line\n"):
+            with Server() as server:
+                with Agent("auth_client", *ONE_TRY, DICTIONARY, file_with(content), HOST,
+                           server.port, "alice") as client:
+                    server.send(answer(ACCESS_ACCEPT, server.receive(),
+                                       MESSAGE_AUTHENTICATOR_PLACE, secret=secret))
+                    self.assertEqual(client.result()[0], EXIT_GOOD)
+
+    def test_says_what_is_wrong_with_the_password(self):
+        arguments = [AGENTS / "auth_client", DICTIONARY, SECRET_FILE, HOST, "1812", "alice"]
+        too_long = TOO_LONG.format("standard input")
+        for path, fault in ((folder.name, "cannot read standard input: Is a directory\n"),
+                            (file_with(b"x" * (LONGEST_LINE + 1)), too_long),
+                            (file_with(b"x" * LONGEST_LINE), "the password is too long\n"),
+                            ("/dev/zero", too_long)):
+            with self.subTest(path):
+                descriptor = os.open(path, os.O_RDONLY)
+                self.addCleanup(os.close, descriptor)
+                client = subprocess.run(arguments, stdin=descriptor, capture_output=True, text=True,
+                                        timeout=PATIENCE_SECONDS)
+                self.assertEqual((client.returncode, client.stdout, client.stderr),
+                                 (EXIT_FAULT, "", fault))
 
     def test_takes_no_port_for_another(self):
         for port in ("65536", "99999", "1812x", "", "radius"):
@@ -196,6 +229,7 @@ class AuthClient(unittest.TestCase):
                  "DICTIONARY SECRET-FILE HOST PORT USER\n")
         four = [DICTIONARY, SECRET_FILE, HOST, "1812"]
         for arguments, fault in (([], "too few arguments"), (four, "too few arguments"),
+                                 ([*four, "alice", "bob"], "too many arguments"),
                                  (["-x", *four, "alice"], "wrong option"),
                                  (["-n"], "wrong option"),
                                  (["-n", "0", *four, "alice"], "no number"),

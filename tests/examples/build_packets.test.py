@@ -101,9 +101,13 @@ class BuildPackets(unittest.TestCase):
         self.assertNotEqual(answer, self.answer)
 
     def test_says_how_it_is_used(self):
-        result = subprocess.run([f"{FOLDER}/build_packets"], capture_output=True, text=True)
-        self.assertEqual(result.returncode, 1)
-        self.assertEqual(result.stderr, "usage: build_packets DICTIONARY SECRET NEXT-SECRET\n")
+        for arguments, fault in (("", "too few"), ("12", "too few"), ("1234", "too many")):
+            with self.subTest(fault):
+                result = subprocess.run([f"{FOLDER}/build_packets", *arguments],
+                                        capture_output=True, text=True, timeout=60)
+                self.assertEqual((result.returncode, result.stdout, result.stderr), (
+                    64, "", f"{fault} arguments\nusage: build_packets "
+                    "DICTIONARY SECRET NEXT-SECRET\n"))
 
 
 if __name__ == "__main__":

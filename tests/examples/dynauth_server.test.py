@@ -17,11 +17,12 @@ from packets import (ACCT_SESSION_ID, COA_ACK, COA_NAK, COA_REQUEST, DISCONNECT_
                      number)
 
 SUCCESS = 200
-UNSUPPORTED_ATTRIBUTE, MISSING_ATTRIBUTE, SESSION_CONTEXT_NOT_FOUND = 401, 402, 503
+UNSUPPORTED_ATTRIBUTE, MISSING_ATTRIBUTE, INVALID_REQUEST = 401, 402, 404
+SESSION_CONTEXT_NOT_FOUND = 503
 NAMES = {COA_ACK: "COA_ACK", COA_NAK: "COA_NAK", DISCONNECT_ACK: "DISCONNECT_ACK",
          DISCONNECT_NAK: "DISCONNECT_NAK", SUCCESS: "SUCCESS",
          UNSUPPORTED_ATTRIBUTE: "UNSUPPORTED_ATTRIBUTE", MISSING_ATTRIBUTE: "MISSING_ATTRIBUTE",
-         SESSION_CONTEXT_NOT_FOUND: "SESSION_CONTEXT_NOT_FOUND"}
+         INVALID_REQUEST: "INVALID_REQUEST", SESSION_CONTEXT_NOT_FOUND: "SESSION_CONTEXT_NOT_FOUND"}
 SESSION = attribute(ACCT_SESSION_ID, b"session-1")
 OTHER_SESSION = attribute(ACCT_SESSION_ID, b"session-2")
 UNKNOWN_SESSION = attribute(ACCT_SESSION_ID, b"session-3")
@@ -93,6 +94,20 @@ class DynAuthServer(unittest.TestCase):
             with self.subTest(code=code, content=content):
                 self.check_nak(self.request(code, *content), nak, cause)
         self.check_session_is_there()
+
+    def test_takes_no_request_for_one_of_two_sessions(self):
+        for other in (SESSION, OTHER_SESSION, UNKNOWN_SESSION):
+            for content in ([SESSION, other], [other, SESSION]):
+                with self.subTest(content):
+                    self.check_nak(self.request(DISCONNECT_REQUEST, *content), DISCONNECT_NAK,
+                                   INVALID_REQUEST)
+                    self.check_nak(self.request(COA_REQUEST, *content, FILTER), COA_NAK,
+                                   INVALID_REQUEST)
+        now = attribute(EVENT_TIMESTAMP, number(int(time.time())))
+        self.check_nak(self.request(DISCONNECT_REQUEST, now, SESSION, now), DISCONNECT_NAK,
+                       INVALID_REQUEST)
+        self.check_session_is_there()
+        self.check_session_is_there(OTHER_SESSION)
 
     def test_signs_as_the_request_was_signed(self):
         for code, answer_code, *content in ((COA_REQUEST, COA_ACK, SESSION, FILTER),
@@ -167,11 +182,22 @@ class DynAuthServer(unittest.TestCase):
                 self.assertEqual(self.server.fault_line(), f"ignored: {fault}\n")
         self.check_session_is_there()
 
-    def test_outlives_a_request_whose_answer_has_no_room(self):
-        states = [attribute(PROXY_STATE, bytes(253))] * 15
-        states.append(attribute(PROXY_STATE, bytes(4096 - 20 - sum(map(len, states)) - 2)))
-        self.client.send(self.request(DISCONNECT_REQUEST, *states))
-        self.assertEqual(self.server.fault_line(), "ignored: no packet: maxPktLengthExceeded\n")
+    def test_leaves_out_the_cause_for_which_there_is_no_room(self):
+        for signature, room in ((b"", 0), (b"", 5), (b"", 6), (MESSAGE_AUTHENTICATOR_PLACE, 0),
+                                (MESSAGE_AUTHENTICATOR_PLACE, 5), (MESSAGE_AUTHENTICATOR_PLACE, 6)):
+            with self.subTest(signature=signature, room=room):
+                states = [attribute(PROXY_STATE, bytes(253))] * 15
+                left = 4096 - 20 - len(signature) - sum(map(len, states)) - room
+                states.append(attribute(PROXY_STATE, bytes(left - 2)))
+                request = self.request(DISCONNECT_REQUEST, signature, *states)
+                answer = self.exchange(request)
+                self.assertEqual((answer[0], answer[1]), (DISCONNECT_NAK, request[1]))
+                self.assertEqual(len(answer), 4096 if room == 6 else 4096 - room)
+                self.assertTrue(has_good_authenticator(answer, authenticator(request)))
+                self.assertEqual([value for key, value in attributes(answer) if key == ERROR_CAUSE],
+                                 [number(MISSING_ATTRIBUTE)] if room == 6 else [])
+                self.assertEqual([key for key, _ in attributes(answer)].count(PROXY_STATE), 16)
+                self.assertEqual(self.server.output_line(), "DISCONNECT_NAK MISSING_ATTRIBUTE\n")
         self.check_session_is_there()
 
 

@@ -6,7 +6,7 @@
 import sys
 import unittest
 
-from agents import DICTIONARY, SECRET_FILE, Agent, file_with
+from agents import DICTIONARY, EXIT_FAULT, EXIT_USAGE, SECRET_FILE, Agent, file_with
 
 REQUEST = (
     "010000380f403f9473978057bd83d5cb98f4227a01066e656d6f02120dbe708d93d4"
@@ -35,6 +35,26 @@ class ReceiveAnswer(unittest.TestCase):
 
     def test_refuses_the_answer_to_another_request(self):
         self.check("0201" + ANSWER[4:], 1, "refused: not an answer to this request\n")
+
+    def test_says_what_is_wrong_on_its_own_side(self):
+        no_hex = "a packet is no hex: two digits a byte and nothing else\n"
+        for request, answer, fault in (
+                (REQUEST, ANSWER[:-1], no_hex), (REQUEST, "0x" + ANSWER, no_hex),
+                (REQUEST, "zz", no_hex), (REQUEST, "1 ", no_hex), (REQUEST, "+1", no_hex),
+                ("1", ANSWER, no_hex),
+                ("", ANSWER, "the request has no good header: invalidPktLength\n")):
+            with self.subTest(request=request, answer=answer):
+                with Agent("receive_answer", DICTIONARY, SECRET_FILE, request, answer) as example:
+                    status, output, errors = example.result()
+                self.assertEqual((status, output), (EXIT_FAULT, ""))
+                self.assertEqual(errors.splitlines(True)[-1], fault)
+
+    def test_says_how_it_is_used(self):
+        for arguments, fault in (("", "too few"), ("123", "too few"), ("12345", "too many")):
+            with self.subTest(fault), Agent("receive_answer", *arguments) as example:
+                self.assertEqual(example.result(), (
+                    EXIT_USAGE, "", f"{fault} arguments\nusage: receive_answer "
+                    "DICTIONARY SECRET-FILE REQUEST-HEX ANSWER-HEX\n"))
 
     def test_refuses_what_has_no_good_header(self):
         for answer in ("", "02", ANSWER[:38], "0200ffff" + ANSWER[8:]):

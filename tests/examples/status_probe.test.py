@@ -84,10 +84,11 @@ class StatusProbe(unittest.TestCase):
             self.assertEqual(len({request[1] for request in server.requests_left()}), 3)
 
     def test_says_how_it_is_used(self):
-        with Agent("status_probe") as probe:
-            self.assertEqual(probe.result(), (
-                EXIT_USAGE, "", "too few arguments\nusage: status_probe [-n TRIES] "
-                "[-t MILLISECONDS] DICTIONARY SECRET-FILE HOST PORT\n"))
+        for arguments, fault in (("", "too few"), ("123", "too few"), ("12345", "too many")):
+            with self.subTest(fault), Agent("status_probe", *arguments) as probe:
+                self.assertEqual(probe.result(), (
+                    EXIT_USAGE, "", f"{fault} arguments\nusage: status_probe [-n TRIES] "
+                    "[-t MILLISECONDS] DICTIONARY SECRET-FILE HOST PORT\n"))
 
 
 if __name__ == "__main__":

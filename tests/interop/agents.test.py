@@ -165,10 +165,10 @@ class Clients(unittest.TestCase):
                 refused = self.run_client(name, kind, "-n", "2", *SHORT_WAIT, arguments=arguments,
                                           secret_file=OTHER_SECRET_FILE)
                 self.assertEqual((refused[0], refused[2], refused[3]), (EXIT_NO_ANSWER, "", []))
-                *_, requests = self.run_client(
-                    "auth_client" if kind == "auth" else "acct_client", kind, *ONE_TRY,
-                    arguments=[SIGNED.name, "the last"])
-                self.assertEqual(len(requests), 1 if kind == "auth" else 3)
+                last, *arguments, count = (("auth_client", SIGNED.name, 1) if kind == "auth" else
+                                           ("acct_client", SIGNED.name, "the last", 3))
+                *_, requests = self.run_client(last, kind, *ONE_TRY, arguments=arguments)
+                self.assertEqual(len(requests), count)
 
 
 class DynAuthServer(unittest.TestCase):
