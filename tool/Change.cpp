@@ -32,7 +32,9 @@ Change changeOf(Change::Kind kind, std::string_view origin, const std::string& t
                 const AttributeNames& names) {
   std::optional<Assignment> assignment = assignmentOf(text);
   if (!assignment.has_value()) {
-    refuse(ExitCode::usage, origin, "the argument is not NAME=VALUE");
+    refuse(ExitCode::usage, origin,
+           kind == Change::Kind::remove ? "the argument is not NAME"
+                                        : "the argument is not NAME=VALUE");
   }
   Change change{.kind = kind,
                 .origin = std::string(origin),

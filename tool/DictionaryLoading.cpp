@@ -51,6 +51,9 @@ std::string defaultDictionaryPath() {
 }
 
 LoadedDictionary loadDictionary(const std::string& path) {
+  if (path.empty()) {
+    throw ToolError(ExitCode::dictionary, "the dictionary does not load: its name is empty");
+  }
   const AssertionsThrow assertionsThrow;
   const WarningCount warnings;
   try {

@@ -21,8 +21,9 @@ struct HeaderLine {
 /// attribute does.
 bool looksLikeHeaderLine(std::string_view line);
 
-/// Reads `CODE, id N[, length N][, authenticator HEX]...`; what stands behind these is not looked
-/// at. Nothing when the line is none.
+/// Reads `CODE, id N[, length N][, authenticator HEX]`, behind which may stand what is printed
+/// there of checks and of where the packet was found. Nothing when the line is none, or anything
+/// else stands behind: that would be a field with a slip in it.
 std::optional<HeaderLine> headerLineOf(std::string_view line);
 
 }  // namespace RadiusPacketTool

@@ -40,6 +40,9 @@ std::size_t InputFile::read(std::span<Verda::U8> to) const {
 }
 
 void InputFile::fail() const {
+  if (name_.empty()) {
+    throw ToolError(ExitCode::noInput, "cannot read a file: its name is empty");
+  }
   const std::string shownName = isStandardInput_ ? "standard input" : name_;
   throw ToolError(ExitCode::noInput, fmt::format("cannot read {}: {}", shownName,
                                                  std::generic_category().message(errno)));

@@ -77,7 +77,9 @@ void PacketTextReader::takeLine(std::string_view text) {
     }
     const std::optional<HeaderLine> header = headerLineOf(text);
     if (!header.has_value()) {
-      throw BadText(line_, "the header line is not CODE, id N[, length N][, authenticator HEX]");
+      throw BadText(line_,
+                    "the header line is not CODE, id N[, length N][, authenticator HEX], with "
+                    "nothing behind it but what decode prints");
     }
     packet_ = PacketText{.line = line_, .header = header, .attributes = {}};
     behindHeader_ = true;

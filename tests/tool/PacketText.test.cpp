@@ -89,7 +89,11 @@ const std::array badRows{
     BadRow{"two headers", "1, id 7\n2, id 7", 2,
            "a header line begins a packet: a blank line goes in front of it"},
     BadRow{"a broken header", "\n\nCODE, id 7", 3,
-           "the header line is not CODE, id N[, length N][, authenticator HEX]"},
+           "the header line is not CODE, id N[, length N][, authenticator HEX], with nothing "
+           "behind it but what decode prints"},
+    BadRow{"a slip in a header", "A=1\n\n1, id 7, autenticator 00", 3,
+           "the header line is not CODE, id N[, length N][, authenticator HEX], with nothing "
+           "behind it but what decode prints"},
     BadRow{"a verdict without a header", "Status-Server: success", 1,
            "the line is neither a header line nor NAME = VALUE"},
     BadRow{"a verdict behind attributes", "12, id 7\nA=1\nStatus-Server: success", 3,

@@ -1248,7 +1248,10 @@ class Dictionary(unittest.TestCase):
         self.assertIn(f"File {self.folder}/ours Unknown/Non-Standard Type word", result.errors)
 
     def test_that_cannot_be_opened_ends_with_3(self):
-        for path in (self.folder / "missing", self.folder, ""):
+        result = decode("-d", "", stdin=GOOD_REQUEST.hex())
+        self.assertEqual((result.status, result.text, result.errors), (
+            3, "", "radius-packet: the dictionary does not load: its name is empty\n"))
+        for path in (self.folder / "missing", self.folder):
             result = decode("-d", path, stdin=GOOD_REQUEST.hex())
             self.assertEqual((result.status, result.text), (3, ""))
             self.assertEqual(result.errors,

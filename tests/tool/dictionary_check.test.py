@@ -152,7 +152,10 @@ class Faults(DictionaryTest):
         missing = self.write("includes-missing", "$INCLUDE missing\n")
         (self.folder / "sub").mkdir()
         folder = self.write("includes-a-folder", "$INCLUDE sub\n")
-        for path in (self.folder / "nowhere", self.folder, "", missing, folder, "-"):
+        for arguments in (("",), ("--json", "")):
+            self.assert_broken(check(*arguments), "radius-packet: the dictionary does not load: "
+                                                  "its name is empty\n")
+        for path in (self.folder / "nowhere", self.folder, missing, folder, "-"):
             for arguments in ((path,), ("--json", path)):
                 with self.subTest(arguments):
                     self.assert_broken(check(*arguments, stdin="$INCLUDE a\n"),
