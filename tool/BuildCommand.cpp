@@ -19,7 +19,7 @@ constexpr const char* footer =
     "The text is what decode prints: a header line, then a line NAME = VALUE for each attribute;\n"
     "a blank line between packets; # begins a comment line. Attributes that the dictionary lacks\n"
     "stand as Attr-N = 0x... or Attr-26.VENDOR.TYPE = 0x.... Message-Authenticator asks for one,\n"
-    "whatever its value. Without FILE, and for the FILE `-`, standard input is read.\n"
+    "with any value or none. Without FILE, and for the FILE `-`, standard input is read.\n"
     "\n"
     "Of the header line code, identifier and, for codes 1 and 12, the authenticator are used; the\n"
     "line may end behind the identifier. A response needs the authenticator of the request that "
@@ -35,7 +35,8 @@ constexpr const char* footer =
     "\n"
     "Exit status: 0 all packets are built; 3 the dictionary does not load; 64 wrong usage; 65 the\n"
     "text does not describe packets that can be built; 66 unreadable input, or no packets at all;\n"
-    "74 standard output cannot be written. On failure nothing is built.";
+    "74 standard output cannot be written. On failure nothing is built. A packet that decode\n"
+    "refuses, or whose hidden values nobody can reveal, is built with a warning.";
 
 std::optional<U8> identifierOf(const std::string& text) {
   const std::optional<U32> id = decimalOf(text, std::numeric_limits<U8>::max());

@@ -31,7 +31,9 @@ constexpr const char* footer =
     "2 a packet is refused for another fault; 3 the dictionary does not load; 64 wrong usage; 65\n"
     "what is asked for cannot be built; 66 unreadable input; 74 standard output cannot be "
     "written.\n"
-    "On failure nothing is written.";
+    "On failure nothing is written. What comes of a packet may be refused by decode, or hold "
+    "hidden\n"
+    "values that nobody can reveal: it is written with a warning.";
 
 /// An option that may be given several times, each time with one argument.
 CLI::Option* repeatedOption(CLI::App& command, const std::string& name,

@@ -1,6 +1,7 @@
 #include "tool/PacketEditor.h"
 
 #include <algorithm>
+#include <iterator>
 #include <optional>
 #include <utility>
 
@@ -13,6 +14,7 @@
 #include "tool/HidingWarning.h"
 #include "tool/PlannedBuild.h"
 #include "tool/PlannedStep.h"
+#include "tool/RefusalWarning.h"
 #include "tool/SaltSource.h"
 #include "tool/ToolError.h"
 
@@ -20,6 +22,7 @@ namespace RadiusPacketTool {
 
 using RadiusPktParserBase::Attribute;
 using RadiusPktParserBase::AttrInfo;
+using RadiusPktParserBase::AttrValue;
 using RadiusPktParserBase::isRequest;
 using RadiusPktParserBase::PktInfoBuilder;
 using RadiusPktParserBase::RadiusPktBuilder;
@@ -68,13 +71,10 @@ std::optional<PlannedStep::Kind> stepKind(const Change& change, const PacketRepo
   return PlannedStep::Kind::remove;
 }
 
-PlannedStep stepOf(const Change& change, PlannedStep::Kind kind, const std::string& origin,
-                   SaltSource& salts) {
-  PlannedStep step{.kind = kind, .origin = origin, .key = change.attribute.key, .value = {}};
-  if (kind != PlannedStep::Kind::remove) {
-    step.value = plannedValue(change.attribute, change.value, salts);
-  }
-  return step;
+/// The value that a change brings, which is read even where a packet has no use for it.
+std::optional<AttrValue> changedValue(const Change& change, SaltSource& salts) {
+  return change.kind == Change::Kind::remove ? std::nullopt
+                                             : plannedValue(change.attribute, change.value, salts);
 }
 
 }  // namespace
@@ -115,6 +115,9 @@ MadePacket PacketEditor::changed(const PacketReport& report, ByteView packet) {
     throw ToolError(ExitCode::badData, fault.what());
   }
   warnOfCopies(report, made);
+  if (auto warning = refusalWarning(decoder_, made.bytes, reqAuth, placeText(report.place))) {
+    made.warnings.push_back(*std::move(warning));
+  }
   return made;
 }
 
@@ -123,19 +126,18 @@ BuildPlan PacketEditor::planOf(const PacketReport& report,
   BuildPlan plan;
   SaltSource salts = saltsOf(report, names_);
   for (const Change& change : changes_) {
-    const std::optional<PlannedStep::Kind> kind = stepKind(change, report);
-    if (!kind.has_value()) {
-      continue;
-    }
+    const NamedAttribute& attribute = change.attribute;
     const std::string origin = fmt::format("{}: {}", placeText(report.place), change.origin);
     try {
-      plan.take(stepOf(change, *kind, origin, salts), change.attribute);
+      const std::optional<AttrValue> value = changedValue(change, salts);
+      std::ranges::copy(hidingWarnings(origin, *report.header.code, attribute.info, value),
+                        std::back_inserter(warnings));
+      if (const std::optional<PlannedStep::Kind> kind = stepKind(change, report)) {
+        plan.take({.kind = *kind, .origin = origin, .key = attribute.key, .value = value},
+                  attribute);
+      }
     } catch (const BadAttribute& fault) {
       throw ToolError(ExitCode::badData, fmt::format("{}: {}", origin, fault.what()));
-    }
-    if (*kind != PlannedStep::Kind::remove && isHidden(change.attribute.info) &&
-        !canHide(*report.header.code)) {
-      warnings.push_back(hidingWarning(origin, *report.header.code));
     }
   }
   return plan;

@@ -28,7 +28,8 @@ struct EditedPacket {
 };
 
 /// Changes packets in their order, all in the same way, and signs them anew. A packet that does not
-/// decode is refused: signing it would make a good packet of a forged one.
+/// decode is refused: signing it would make a good packet of a forged one. What becomes of one that
+/// decodes may not: that is made all the same, with a warning.
 ///
 /// A response is read as the answer to the request as it was, and signed as the answer to the
 /// request as it is now.

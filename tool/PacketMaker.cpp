@@ -1,6 +1,9 @@
 #include "tool/PacketMaker.h"
 
+#include <algorithm>
+#include <iterator>
 #include <span>
+#include <utility>
 
 #include <fmt/format.h>
 
@@ -10,6 +13,7 @@
 #include "tool/HidingWarning.h"
 #include "tool/PlannedBuild.h"
 #include "tool/PlannedStep.h"
+#include "tool/RefusalWarning.h"
 #include "tool/ToolError.h"
 
 namespace RadiusPacketTool {
@@ -47,7 +51,12 @@ Ptr<RadiusHdr> newHeader(const RadiusPktBuilder& builder, const HeaderLine& head
 PacketMaker::PacketMaker(const Ptr<const RadiusPacketParser::RadiusDict>& dictionary,
                          const Secret& secret, const Bytes& given, const HeaderChoice& choice,
                          const std::string& source)
-    : names_(dictionary), secret_(secret), requests_(given), choice_(choice), source_(source) {}
+    : names_(dictionary),
+      secret_(secret),
+      decoder_(dictionary, secret),
+      requests_(given),
+      choice_(choice),
+      source_(source) {}
 
 MadePacket PacketMaker::make(const PacketText& text) {
   const HeaderLine header = headerOfPacket(text);
@@ -69,6 +78,9 @@ MadePacket PacketMaker::make(const PacketText& text) {
     made.bytes = builtPacket(plan, build, origin(text.line));
   } catch (const BadPacket& fault) {
     throw ToolError(ExitCode::badData, fault.what());
+  }
+  if (auto warning = refusalWarning(decoder_, made.bytes, reqAuth, origin(text.line))) {
+    made.warnings.push_back(*std::move(warning));
   }
   requests_.take({.source = source_, .index = ++made_}, headerOf(made.bytes));
   return made;
@@ -104,14 +116,13 @@ void PacketMaker::plan(const AttributeLine& line, U8 code, SaltSource& salts, Bu
   try {
     const NamedAttribute attribute = names_.find(line.assignment.name);
     place += fmt::format(": {}", attribute.name);
-    plan.take({.kind = PlannedStep::Kind::add,
-               .origin = place,
-               .key = attribute.key,
-               .value = plannedValue(attribute, line.assignment.value, salts)},
-              attribute);
-    if (isHidden(attribute.info) && !canHide(code)) {
-      warnings.push_back(hidingWarning(place, code));
-    }
+    PlannedStep step{.kind = PlannedStep::Kind::add,
+                     .origin = place,
+                     .key = attribute.key,
+                     .value = plannedValue(attribute, line.assignment.value, salts)};
+    std::ranges::copy(hidingWarnings(place, code, attribute.info, step.value),
+                      std::back_inserter(warnings));
+    plan.take(std::move(step), attribute);
   } catch (const BadAttribute& fault) {
     refuse(place, fault.what());
   }

@@ -12,6 +12,7 @@
 #include "tool/AttributeNames.h"
 #include "tool/BuildPlan.h"
 #include "tool/MadePacket.h"
+#include "tool/PacketDecoder.h"
 #include "tool/PacketText.h"
 #include "tool/RequestAuthenticators.h"
 #include "tool/Secret.h"
@@ -24,7 +25,8 @@ struct HeaderChoice {
   std::optional<Verda::U8> id;
 };
 
-/// Makes the packets of a text in their order, each response for the request that it answers.
+/// Makes the packets of a text in their order, each response for the request that it answers. What
+/// its receiver cannot reveal, or refuses, is made all the same, with a warning.
 class PacketMaker {
  public:
   /// `secret` must outlive the object.
@@ -48,6 +50,7 @@ class PacketMaker {
 
   AttributeNames names_;
   const Secret& secret_;
+  PacketDecoder decoder_;
   RequestAuthenticators requests_;
   HeaderChoice choice_;
   std::string source_;

@@ -190,6 +190,21 @@ TEST(PacketEditor, WarnsOfHiddenCopiesWhenTheirAuthenticatorChanges) {
           .warnings.empty());
 }
 
+TEST(PacketEditor, WarnsOfWhatIsRefused) {
+  const ByteVector plain = PacketMaker(1).add(25, {1}).make();
+  EXPECT_EQ(edited(plain, add("EAP-Message=0x01")).warnings,
+            std::vector<std::string>{"packet 1 of x: warning: the packet is built, but decode "
+                                     "refuses it: missingRequiredMsgAuth"});
+  const ByteVector answer =
+      PacketMaker(2).reqAuthIs(testReqAuth).addMessageAuthenticator().add(25, {1}).make();
+  EXPECT_EQ(edited(answer, set("Attr-5=0x"), testReqAuth).warnings,
+            std::vector<std::string>{"packet 1 of x: warning: the packet is built, but decode "
+                                     "refuses it: invalidAttrLength: Attribute: 5, VendorId: 0, "
+                                     "VendorAttrId: 0, Data Type: Integer, Invalid length: 0"});
+  EXPECT_EQ(edited(answer, add("EAP-Message=0x01"), testReqAuth).warnings,
+            std::vector<std::string>{});
+}
+
 TEST(PacketEditor, NewSaltIsNoneOfThePacket) {
   PacketMaker maker(2);
   for (int number = 0; number < 200; ++number) {
@@ -225,6 +240,20 @@ TEST(PacketEditor, NamesPacketOptionAttributeAndReason) {
   EXPECT_EQ(faultOf(packet, {.set = {"Class=0x01"}, .add = {"Attr-25=0x01"}, .remove = {}}),
             "packet 1 of x: --add number 1: Attr-25: the attribute stands both in raw form and "
             "under its name");
+}
+
+TEST(PacketEditor, ValueOfAMessageAuthenticatorIsReadWhetherThereIsOneOrNot) {
+  for (const ByteVector& packet :
+       {PacketMaker(1).add(25, {1}).make(), PacketMaker(1).addMessageAuthenticator().make()}) {
+    EXPECT_EQ(faultOf(packet, set("Message-Authenticator=x")),
+              "packet 1 of x: --set number 1: Message-Authenticator: text stands in quotes");
+    EXPECT_EQ(faultOf(packet, add("Attr-80=0x0")),
+              "packet 1 of x: --add number 1: Attr-80: behind 0x stands an even number of hex "
+              "digits and nothing else");
+    EXPECT_EQ(faultOf(packet, add("Message-Authenticator:1")),
+              "packet 1 of x: --add number 1: Message-Authenticator: the attribute is not tagged");
+    EXPECT_EQ(faultOf(packet, add("Message-Authenticator=0x00")), "");
+  }
 }
 
 TEST(PacketEditor, ChangeWithWhichThePacketGrowsTooLongIsNamed) {

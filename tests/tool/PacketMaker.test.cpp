@@ -150,6 +150,48 @@ TEST(PacketMaker, WarnsOfHiddenValuesThatNobodyCanReveal) {
   EXPECT_TRUE(made("2, id 7\nTunnel-Password:1 = \"x\"", testReqAuth).front().warnings.empty());
 }
 
+struct RefusedRow {
+  const char* name;
+  std::string text;
+  std::string_view warning;
+};
+
+const std::array refusedRows{
+    RefusedRow{"an EAP message that nothing signs", "1, id 7\nEAP-Message = 0x01",
+               "x.txt: line 1: warning: the packet is built, but decode refuses it: "
+               "missingRequiredMsgAuth"},
+    RefusedRow{"fragments that are torn apart",
+               "1, id 7\nEAP-Message = 0x01\nClass = 0x02\nEAP-Message = 0x03\n"
+               "Message-Authenticator",
+               "x.txt: line 1: warning: the packet is built, but decode refuses it: "
+               "concatAttrNotConsecutive: Concat attribute: 79 not consecutive"},
+    RefusedRow{"a raw form of the wrong length", "\n2, id 7\nAttr-5 = 0x01",
+               "x.txt: line 2: warning: the packet is built, but decode refuses it: "
+               "invalidAttrLength: Attribute: 5, VendorId: 0, VendorAttrId: 0, Data Type: "
+               "Integer, Invalid length: 1"},
+    RefusedRow{"a vendor's raw form of the wrong length", "1, id 7\nAttr-26.311.7 = 0x01",
+               "x.txt: line 1: warning: the packet is built, but decode refuses it: "
+               "invalidAttrLength: Attribute: 26, VendorId: 311, VendorAttrId: 7, Data Type: "
+               "Integer, Invalid length: 1"},
+    RefusedRow{"a Message-Authenticator that nobody checks", "99, id 7\nMessage-Authenticator",
+               "x.txt: line 1: warning: the packet is built, but decode refuses it: "
+               "unsupportedPktType"},
+};
+
+TEST(PacketMaker, WarnsOfWhatIsRefused) {
+  for (const RefusedRow& row : refusedRows) {
+    SCOPED_TRACE(row.name);
+    EXPECT_EQ(made(row.text, testReqAuth).front().warnings,
+              std::vector<std::string>{std::string(row.warning)});
+  }
+}
+
+TEST(PacketMaker, WhatAnswersARefusedRequestIsGood) {
+  const auto packets = made("1, id 7\nEAP-Message = 0x01\n\n2, id 7\nClass = 0x01");
+  EXPECT_EQ(packets[0].warnings.size(), 1U);
+  EXPECT_EQ(packets[1].warnings, std::vector<std::string>{});
+}
+
 struct BadRow {
   const char* name;
   std::string text;

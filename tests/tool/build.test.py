@@ -172,6 +172,38 @@ class Packets(unittest.TestCase):
                "that is hidden in a packet of COA_REQUEST\n"))
         self.assertEqual(len(bytes.fromhex(result.text)), 41)
 
+    def test_what_decode_refuses_is_warned_of(self):
+        text = "ACCESS_REQUEST, id 1\nNAS-Port = 1\n\nACCESS_REQUEST, id 2\nAttr-5 = 0x01\n"
+        result = build(text)
+        fault = ("invalidAttrLength: Attribute: 5, VendorId: 0, VendorAttrId: 0, Data Type: "
+                 "Integer, Invalid length: 1")
+        self.assertEqual((result.status, result.errors), (
+            0, "radius-packet: -: line 4: warning: the packet is built, but decode refuses it: "
+               f"{fault}\n"))
+        decoded = run("decode", stdin=result.output, variable=SECRET)
+        self.assertEqual((decoded.status, decoded.errors), (
+            2, f"radius-packet: packet 2 of - refused: {fault}\n"))
+
+    def test_value_that_is_hidden_in_part_is_warned_of(self):
+        with tempfile.TemporaryDirectory() as folder:
+            top = pathlib.Path(folder) / "dictionary"
+            top.write_text("$INCLUDE dictionary.own\n")
+            (pathlib.Path(folder) / "dictionary.own").write_text(
+                "ATTRIBUTE Own-Long 200 octets concat,encrypt=1\n")
+            for length in (253, 254):
+                line = "Own-Long = 0x" + "41" * length
+                for result, place in (
+                        (build("2, id 1\n" + line, "-d", top, *A_OPTION), "-: line 2"),
+                        (run("edit", "-d", top, *A_OPTION, "--add", line, variable=SECRET,
+                             stdin=build("2, id 1", *A_OPTION).output),
+                         "packet 1 of -: --add number 1")):
+                    with self.subTest(place, length=length):
+                        self.assertEqual((result.status, result.errors), (
+                            0, "" if length == 253 else
+                            f"radius-packet: {place}: Own-Long: warning: only the last piece of "
+                            "the value is hidden: the others stand in clear\n"))
+                        self.assertEqual(b"A" * 253 in bytes.fromhex(result.text), length == 254)
+
     def test_every_text_form_comes_back(self):
         lines = [
             'User-Name = "\\x00\\"\\\\\\n\\xff\u00e9"', "NAS-IP-Address = 192.0.2.1", "NAS-Port = 4294967295",
@@ -217,6 +249,15 @@ class WrongText(unittest.TestCase):
                 result = build(text)
                 self.assertEqual((result.status, result.text, result.errors),
                                  (65, "", f"radius-packet: -: {fault}\n"))
+
+    def test_slip_in_a_header_line_is_no_comment(self):
+        for rest in (", autenticator " + "00" * 16, ", lenght 20", ", length twenty"):
+            with self.subTest(rest):
+                result = build("1, id 1\n\n1, id 2" + rest)
+                self.assertEqual((result.status, result.text, result.errors), (
+                    65, "", "radius-packet: -: line 3: the header line is not CODE, id N"
+                            "[, length N][, authenticator HEX], with nothing behind it but what "
+                            "decode prints\n"))
 
     def test_names_the_file(self):
         with tempfile.TemporaryDirectory() as folder:
@@ -353,6 +394,10 @@ class Arguments(unittest.TestCase):
         result = build("", "/nonexistent")
         self.assertEqual((result.status, result.errors), (
             66, "radius-packet: cannot read /nonexistent: No such file or directory\n"))
+        for arguments in (("",), ("-s", "")):
+            result = build("1, id 1", *arguments)
+            self.assertEqual((result.status, result.text, result.errors),
+                             (66, "", "radius-packet: cannot read a file: its name is empty\n"))
         for text in ("", "\n\n", "# nothing"):
             result = build(text)
             self.assertEqual((result.status, result.errors),
@@ -360,6 +405,9 @@ class Arguments(unittest.TestCase):
 
     def test_dictionary_that_does_not_load(self):
         self.assertEqual(build("1, id 1", "-d", "/nonexistent").status, 3)
+        result = build("1, id 1", "-d", "")
+        self.assertEqual((result.status, result.text, result.errors), (
+            3, "", "radius-packet: the dictionary does not load: its name is empty\n"))
 
     def test_dictionary_of_the_option_is_used(self):
         with tempfile.TemporaryDirectory() as folder:

@@ -131,6 +131,14 @@ class EditedPackets(unittest.TestCase):
                "an authenticator that has changed: no receiver can reveal it\n"))
 
 
+    def test_what_decode_refuses_is_warned_of(self):
+        result = edit(REQUEST + b"\n" + REQUEST, "--add", "EAP-Message=0x01")
+        self.assertEqual((result.status, result.errors), (0, "".join(
+            f"radius-packet: packet {number} of -: warning: the packet is built, but decode "
+            "refuses it: missingRequiredMsgAuth\n" for number in (1, 2))))
+        self.assertEqual(run("decode", stdin=result.output, variable=SECRET).status, 1)
+
+
 class RefusedPackets(unittest.TestCase):
     def test_end_as_they_do_for_decode_and_nothing_is_written(self):
         count = 0
@@ -196,6 +204,7 @@ class Arguments(unittest.TestCase):
                  "--set number 2: Class: the attribute is set twice"),
                 (("--set", "Class=0x01", "--remove", "Class"),
                  "--remove number 1: Class: the attribute is set as well"),
+                (("--remove", ""), "--remove number 1: the argument is not NAME"),
                 (("--remove", "Class=0x01"), "--remove number 1: Class: what is removed is a NAME, "
                                              "without a tag or a value"),
                 (("--remove", "Message-Authenticator"), "--remove number 1: Message-Authenticator: "
@@ -212,6 +221,8 @@ class Arguments(unittest.TestCase):
                 (("--set", "{}"), "--set number 1: the dictionary has no attribute of that name"),
                 (("--set", "User-Name=hunter2"),
                  "packet 1 of -: --set number 1: User-Name: text stands in quotes"),
+                (("--set", "Message-Authenticator=hunter2"),
+                 "packet 1 of -: --set number 1: Message-Authenticator: text stands in quotes"),
                 (("--add", "NAS-Port"),
                  "packet 1 of -: --add number 1: NAS-Port: there is no value"),
                 (("--add", "Attr-25=0x", "--remove", "Class"),
@@ -246,6 +257,9 @@ class Arguments(unittest.TestCase):
         self.assertEqual(edit("", *NOTHING).status, 66)
         self.assertEqual(edit("0", *NOTHING).status, 66)
         self.assertEqual(edit("", *NOTHING, "/nonexistent").status, 66)
+        result = edit(REQUEST, *NOTHING, "")
+        self.assertEqual((result.status, result.text, result.errors),
+                         (66, "", "radius-packet: cannot read a file: its name is empty\n"))
         self.assertEqual(edit(REQUEST, *NOTHING, "-d", "/nonexistent").status, 3)
 
 
