@@ -42,11 +42,11 @@ struct Misuse {
 constexpr Misuse misuses[] = {
     {"a request's value with a Request Authenticator",
      [] { builder()->createPktFromHdr(testSecret, verdaBytes(testReqAuth), headerOf(1), name()); },
-     "^RadiusPacketParser/RadiusPktCommon\\.cpp:[0-9]+: encryptAttribute: Assertion "
+     "^RadiusPacketParser/RadiusPktCommon\\.detail\\.h:[0-9]+: encryptAttribute: Assertion "
      "\"Request authenticator found not NULL for request packet\" failed\\.\n$"},
     {"a response's value without one",
      [] { builder()->createPktFromHdr(testSecret, {}, headerOf(2), name()); },
-     "^RadiusPacketParser/RadiusPktCommon\\.cpp:[0-9]+: encryptAttribute: Assertion "
+     "^RadiusPacketParser/RadiusPktCommon\\.detail\\.h:[0-9]+: encryptAttribute: Assertion "
      "\"Request authenticator found NULL for response packet\" failed\\.\n$"},
     {"a request's value that becomes no attribute, with a Request Authenticator",
      [] {
@@ -54,7 +54,7 @@ constexpr Misuse misuses[] = {
            testSecret, verdaBytes(testReqAuth), headerOf(1),
            RequestMaker().add(standardAttribute(79), {Verda::Bytes()}).make());
      },
-     "^RadiusPacketParser/RadiusPktCommon\\.cpp:[0-9]+: encryptAttribute: Assertion "
+     "^RadiusPacketParser/RadiusPktCommon\\.detail\\.h:[0-9]+: encryptAttribute: Assertion "
      "\"Request authenticator found not NULL for request packet\" failed\\.\n$"},
     {"a request's Message-Authenticator with a Request Authenticator",
      [] {
@@ -68,7 +68,7 @@ constexpr Misuse misuses[] = {
        builder()->modifyPkt(TestSupport::pktOf(PacketMaker(43).make()), testSecret,
                             verdaBytes(testReqAuth), name());
      },
-     "^RadiusPacketParser/RadiusPktCommon\\.cpp:[0-9]+: encryptAttribute: Assertion "
+     "^RadiusPacketParser/RadiusPktCommon\\.detail\\.h:[0-9]+: encryptAttribute: Assertion "
      "\"Request authenticator found not NULL for request packet\" failed\\.\n$"},
     {"nothing to build", [] { builder()->createPktFromHdr(testSecret, {}, headerOf(1), nullptr); },
      "^RadiusPacketParser/RadiusPktCommon\\.assembly\\.cpp:[0-9]+: buildPkt: Assertion "
@@ -83,7 +83,7 @@ constexpr Misuse misuses[] = {
      [] {
        radiusPktBuilderFactory(nullptr)->createPktFromHdr(testSecret, {}, headerOf(1), name());
      },
-     "^RadiusPacketParser/RadiusPktCommon\\.cpp:[0-9]+: getAttrInfo: Assertion \"dict\" "
+     "^RadiusPacketParser/RadiusPktCommon\\.detail\\.h:[0-9]+: getAttrInfo: Assertion \"dict\" "
      "failed\\.\n$"},
 };
 

@@ -62,10 +62,10 @@ constexpr Misuse misuses[] = {
      "^RadiusPacketParser/RadiusPktCommon\\.cpp:[0-9]+: validateMessageAuthenticator: Assertion "
      "\"Request authenticator found not NULL for request packet\" failed\\.\n$"},
     {"encryptAttribute without", hideWithout, 2,
-     "^RadiusPacketParser/RadiusPktCommon\\.cpp:[0-9]+: encryptAttribute: Assertion "
+     "^RadiusPacketParser/RadiusPktCommon\\.detail\\.h:[0-9]+: encryptAttribute: Assertion "
      "\"Request authenticator found NULL for response packet\" failed\\.\n$"},
     {"encryptAttribute with", hideWith, 1,
-     "^RadiusPacketParser/RadiusPktCommon\\.cpp:[0-9]+: encryptAttribute: Assertion "
+     "^RadiusPacketParser/RadiusPktCommon\\.detail\\.h:[0-9]+: encryptAttribute: Assertion "
      "\"Request authenticator found not NULL for request packet\" failed\\.\n$"},
     {"decryptAttribute without", revealWithout, 2,
      "^RadiusPacketParser/RadiusPktCommon\\.cpp:[0-9]+: decryptAttribute: Assertion "
@@ -87,9 +87,10 @@ TEST(CodecMisuseDeathTest, EndsTheProcessSayingWhatWasAsserted) {
 }
 
 TEST(CodecMisuseDeathTest, EndsTheProcessWithoutADictionary) {
-  EXPECT_DEATH(getAttrInfo(standardAttribute(1), nullptr),
-               "^RadiusPacketParser/RadiusPktCommon\\.cpp:[0-9]+: getAttrInfo: Assertion \"dict\" "
-               "failed\\.\n$");
+  EXPECT_DEATH(
+      getAttrInfo(standardAttribute(1), nullptr),
+      "^RadiusPacketParser/RadiusPktCommon\\.detail\\.h:[0-9]+: getAttrInfo: Assertion \"dict\" "
+      "failed\\.\n$");
 }
 
 }  // namespace
