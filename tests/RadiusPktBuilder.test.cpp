@@ -22,7 +22,6 @@ namespace {
 
 using namespace RadiusPktParserBase;
 using TestSupport::ByteVector;
-using TestSupport::CapturedRecord;
 using TestSupport::CapturingSink;
 using TestSupport::countingBytes;
 using TestSupport::GoldenPacket;
@@ -30,6 +29,7 @@ using TestSupport::headerOf;
 using TestSupport::joined;
 using TestSupport::PacketMaker;
 using TestSupport::pktOf;
+using TestSupport::Records;
 using TestSupport::reqAuthFor;
 using TestSupport::RequestMaker;
 using TestSupport::shippedDictionary;
@@ -44,7 +44,6 @@ using Verda::U16;
 using Verda::U8;
 using ZoCrypto::FaultSeam;
 using ZoCrypto::Primitive;
-using Records = std::vector<CapturedRecord>;
 
 // ---- The build request ----
 

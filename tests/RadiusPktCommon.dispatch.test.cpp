@@ -1,6 +1,8 @@
 #include "RadiusPacketParser/RadiusPktCommon.h"
 
+#include <algorithm>
 #include <array>
+#include <span>
 #include <string>
 #include <vector>
 
@@ -28,14 +30,14 @@ using TestSupport::errorRecord;
 using TestSupport::Flags;
 using TestSupport::fromHex;
 using TestSupport::joined;
+using TestSupport::Records;
+using TestSupport::Sizes;
 using TestSupport::vendorBytes;
 using TestSupport::verdaBytes;
 using Verda::U16;
 using Verda::U32;
 using Verda::U8;
 using Zonet::IpGenPrefix;
-using Records = std::vector<CapturedRecord>;
-using Sizes = std::vector<std::size_t>;
 
 constexpr U8 untouched = 0xee;
 
@@ -117,6 +119,23 @@ void expectAdded(const Added& added, const ByteVector& bytes, U16 curLen = 20) {
   expectNothingMoved(added, curLen);
 }
 
+void expectRefused(const Added& added, ErrorMsg fault, const Records& records, U16 curLen = 20) {
+  EXPECT_EQ(added.result, fault);
+  EXPECT_EQ(added.written(), ByteVector());
+  EXPECT_EQ(added.records, records);
+  expectNothingMoved(added, curLen);
+}
+
+Records noRoomRecord(const char* encoder, std::size_t length, std::size_t curLen, U8 attrId = 7) {
+  return {errorRecord("", encoder,
+                      fmt::format("Attribute: {} Length: {} addition exceeds max packet length {}",
+                                  attrId, length, curLen))};
+}
+
+Records tooLongRecord(const char* encoder, std::size_t length) {
+  return {errorRecord("", encoder, fmt::format("Attribute: 7 with invalid length {}", length))};
+}
+
 // ---- Which value goes with which attribute ----
 
 /// What each alternative of a value gives for an attribute: the bytes written as hex, or a message.
@@ -141,9 +160,7 @@ void expectAlternatives(const Alternatives& row, const std::array<Added, 7>& out
       EXPECT_EQ(added.records, Records());
       continue;
     }
-    EXPECT_EQ(added.result, row.refusal);
-    EXPECT_EQ(added.written(), ByteVector());
-    EXPECT_EQ(added.records, (Records{errorRecord("", function, row.texts[index])}));
+    expectRefused(added, row.refusal, {errorRecord("", function, row.texts[index])});
   }
 }
 
@@ -211,13 +228,9 @@ TEST(AddAttribute, RefusesAnAddressOfTheOtherFamily) {
   const IpGenPrefix ip4(Verda::String("192.0.2.33"));
   for (const DataType type : {RadiusAttributeType::ipv6addr, RadiusAttributeType::ipv6prefix,
                               RadiusAttributeType::ifid}) {
-    const Added refused = addStandard(ip4, infoOf(type));
-    EXPECT_EQ(refused.result, ErrorMsg::invalidAttrDataType);
-    EXPECT_EQ(refused.written(), ByteVector());
-    EXPECT_EQ(
-        refused.records,
-        (Records{errorRecord("", "addAttribute",
-                             "AttrId: 7 Expected ipGenPrefix type, invalid data type passed")}));
+    expectRefused(addStandard(ip4, infoOf(type)), ErrorMsg::invalidAttrDataType,
+                  {errorRecord("", "addAttribute",
+                               "AttrId: 7 Expected ipGenPrefix type, invalid data type passed")});
   }
 }
 
@@ -263,30 +276,62 @@ TEST(AddAttribute, WritesNothingOfATaggedNumberForATaggedDate) {
 TEST(AddAttribute, RefusesWhatTheDictionaryLacks) {
   for (const ErrorMsg error : {ErrorMsg::invalidAttrId, ErrorMsg::invalidVendorId}) {
     for (const AttrValue& value : alternatives()) {
-      const Added refused = addStandard(value, missing(error), 231);
-      EXPECT_EQ(refused.result, error);
-      EXPECT_EQ(refused.written(), ByteVector());
-      EXPECT_EQ(refused.records,
-                (Records{errorRecord("", "addAttribute", "Unsupported attribute: 231")}));
-      expectNothingMoved(refused);
+      expectRefused(addStandard(value, missing(error), 231), error,
+                    {errorRecord("", "addAttribute", "Unsupported attribute: 231")});
     }
   }
 }
 
 TEST(AddAttribute, PassesOnThatAValueIsTooLong) {
-  const Added refused =
-      addStandard(Verda::String(std::string(65535, 't')), infoOf(RadiusAttributeType::string));
-  EXPECT_EQ(refused.result, ErrorMsg::invalidAttrLength);
-  EXPECT_EQ(refused.records,
-            (Records{errorRecord("", "addStrTypes", "Attribute: 7 with invalid length 65537")}));
+  expectRefused(
+      addStandard(Verda::String(std::string(65535, 't')), infoOf(RadiusAttributeType::string)),
+      ErrorMsg::invalidAttrLength, tooLongRecord("addStrTypes", 65537));
 }
 
-TEST(AddAttribute, PassesOnThatThereIsNoRoomForAnAddressWithoutAMessage) {
-  const Added refused = addStandard(IpGenPrefix(Verda::String("192.0.2.33")),
-                                    infoOf(RadiusAttributeType::ipaddr), 7, 4091);
-  EXPECT_EQ(refused.result, ErrorMsg::maxPktLengthExceeded);
-  EXPECT_EQ(refused.records, Records());
-  EXPECT_EQ(refused.written(), ByteVector());
+TEST(AddAttribute, NeedsRoomForTheWholeAttributeOfEveryDataType) {
+  using Type = RadiusAttributeType;
+  const IpGenPrefix ip4(Verda::String("192.0.2.33"));
+  const IpGenPrefix ip6(Verda::String("2001:db8::a1b2:c3d4:e5f6:7/32"));
+  struct Case {
+    const char* name;
+    AttrValue value;
+    AttrInfo info;
+    const char* written;
+    const char* encoder;  ///< in whose name there is a message, if any
+  };
+  for (const Case& one : std::vector<Case>{
+           {"string", Verda::String("nemo"), infoOf(Type::string), "07066e656d6f", "addStrTypes"},
+           {"no text", Verda::String(), infoOf(Type::string), "0702", "addStrTypes"},
+           {"tagged string", TaggedStr{.str = "nemo", .tag = 3},
+            infoOf(Type::string, {.tag = true}), "0707036e656d6f", "addStrTypes"},
+           {"octets", Verda::Bytes{1, 2, 3}, infoOf(Type::octets), "0705010203", "addOctetTypes"},
+           {"concat octets", Verda::Bytes{1, 2, 3}, infoOf(Type::octets, {.concat = true}),
+            "0705010203", "addOctetTypes"},
+           {"integer", 0x01020304U, infoOf(Type::integer), "070601020304", "addIntegerDateTypes"},
+           {"tagged integer", TaggedInt{.value = 0x01020304, .tag = 2},
+            infoOf(Type::integer, {.tag = true}), "070602020304", "addIntegerDateTypes"},
+           {"date", 0x01020304U, infoOf(Type::date), "070601020304", "addIntegerDateTypes"},
+           {"ipaddr", ip4, infoOf(Type::ipaddr), "0706c0000221", nullptr},
+           {"ipv6addr", ip6, infoOf(Type::ipv6addr), "071220010db800000000a1b2c3d4e5f60007",
+            nullptr},
+           {"ipv6prefix", ip6, infoOf(Type::ipv6prefix), "0714002020010db800000000a1b2c3d4e5f60007",
+            nullptr},
+           {"ifid", ip6, infoOf(Type::ifid), "070aa1b2c3d4e5f60007", nullptr},
+       }) {
+    SCOPED_TRACE(one.name);
+    const ByteVector written = fromHex(one.written);
+    const std::size_t length = written.size();
+    const auto lastPlace = static_cast<U16>(4096 - length);
+    expectAdded(addStandard(one.value, one.info, 7, lastPlace), written, lastPlace);
+    for (const std::size_t curLen : Sizes{lastPlace + 1U, 4096}) {
+      Records records;
+      if (one.encoder != nullptr) {
+        records = noRoomRecord(one.encoder, length, curLen);
+      }
+      expectRefused(addStandard(one.value, one.info, 7, static_cast<U16>(curLen)),
+                    ErrorMsg::maxPktLengthExceeded, records, static_cast<U16>(curLen));
+    }
+  }
 }
 
 TEST(AddAttribute, TracesItsEntryAndTheEncoders) {
@@ -349,12 +394,8 @@ TEST(UserPassword, MustFitWithItsPadding) {
   const AttrInfo info = infoOf(RadiusAttributeType::string);
   expectAdded(addStandard(Verda::String("p"), info, 2, 4096 - 18),
               fromHex("021270000000000000000000000000000000"), 4096 - 18);
-  const Added refused = addStandard(Verda::String("p"), info, 2, 4096 - 17);
-  EXPECT_EQ(refused.result, ErrorMsg::maxPktLengthExceeded);
-  EXPECT_EQ(refused.records,
-            (Records{errorRecord("", "addStrTypes",
-                                 "Attribute: 2 Length: 18 addition exceeds max packet length "
-                                 "4079")}));
+  expectRefused(addStandard(Verda::String("p"), info, 2, 4096 - 17), ErrorMsg::maxPktLengthExceeded,
+                noRoomRecord("addStrTypes", 18, 4079, 2), 4096 - 17);
 }
 
 TEST(UserPassword, IsFilledUpOnlyAsPlainTextOfTheStandardAttribute) {
@@ -373,14 +414,12 @@ TEST(UserPassword, IsFilledUpOnlyAsPlainTextOfTheStandardAttribute) {
 // ---- Concat ----
 
 /// `value` as attributes of at most 253 value bytes.
-ByteVector fragments(const ByteVector& value, std::size_t& lastLength) {
+ByteVector fragments(std::span<const U8> value) {
   ByteVector all;
-  for (std::size_t begin = 0; begin < value.size(); begin += 253) {
-    const std::size_t end = std::min(value.size(), begin + 253);
-    all = joined(
-        {all, attributeBytes(7, ByteVector(value.begin() + static_cast<std::ptrdiff_t>(begin),
-                                           value.begin() + static_cast<std::ptrdiff_t>(end)))});
-    lastLength = end - begin + 2;
+  while (!value.empty()) {
+    const auto piece = value.first(std::min<std::size_t>(value.size(), 253));
+    all = joined({all, attributeBytes(7, {piece.begin(), piece.end()})});
+    value = value.subspan(piece.size());
   }
   return all;
 }
@@ -390,32 +429,50 @@ const AttrInfo& concatInfo() {
   return info;
 }
 
+/// How many bytes of attributes a value is split into, and how long the last of them is.
+struct SplitCase {
+  std::size_t size;
+  std::size_t written;
+  std::size_t last;
+};
+
+void expectSplit(const SplitCase& one, U16 curLen) {
+  SCOPED_TRACE(fmt::format("{} bytes at {}", one.size, curLen));
+  const ByteVector value = countingBytes(one.size);
+  ByteVector expected = fragments(value);
+  ASSERT_EQ(expected.size(), one.written);
+  expected.resize(4096U - curLen, untouched);
+  const Added added = addStandard(verdaBytes(value), concatInfo(), 7, curLen);
+  EXPECT_EQ(added.result, ErrorMsg::success);
+  EXPECT_EQ(added.buffer, expected);
+  EXPECT_EQ(added.moved, static_cast<std::ptrdiff_t>(one.written - one.last));
+  EXPECT_EQ(added.curLen, curLen + one.written - one.last);
+  EXPECT_EQ(added.records, Records());
+}
+
 TEST(Concat, IsSplitAndLeavesThePositionAtTheLastFragment) {
-  for (const std::size_t size : Sizes{1, 252, 253, 254, 255, 506, 507, 600, 4044}) {
-    SCOPED_TRACE(size);
-    const ByteVector value = countingBytes(size, 0);
-    std::size_t lastLength = 0;
-    const ByteVector expected = fragments(value, lastLength);
-    const Added added = addStandard(verdaBytes(value), concatInfo());
-    EXPECT_EQ(added.result, ErrorMsg::success);
-    EXPECT_EQ(ByteVector(added.buffer.begin(),
-                         added.buffer.begin() + static_cast<std::ptrdiff_t>(expected.size())),
-              expected);
-    EXPECT_EQ(added.moved, static_cast<std::ptrdiff_t>(expected.size() - lastLength));
-    EXPECT_EQ(added.curLen, 20 + expected.size() - lastLength);
-    EXPECT_EQ(added.records, Records());
+  for (const SplitCase& one : {SplitCase{1, 3, 3},
+                               {252, 254, 254},
+                               {253, 255, 255},
+                               {254, 258, 3},
+                               {255, 259, 4},
+                               {506, 510, 255},
+                               {507, 513, 3},
+                               {600, 606, 96},
+                               {4044, 4076, 251}}) {
+    expectSplit(one, 20);
+    expectSplit(one, static_cast<U16>(4096 - one.written));
   }
 }
 
 TEST(Concat, MakesOf600BytesAttributesOf253And253And94) {
-  const Added added = addStandard(verdaBytes(ByteVector(600, 0x41)), concatInfo());
-  EXPECT_EQ(added.buffer[0], 7);
-  EXPECT_EQ(added.buffer[1], 255);
-  EXPECT_EQ(added.buffer[255], 7);
-  EXPECT_EQ(added.buffer[256], 255);
-  EXPECT_EQ(added.buffer[510], 7);
-  EXPECT_EQ(added.buffer[511], 96);
-  EXPECT_EQ(added.buffer[606], untouched);
+  const ByteVector value(600, 0x41);
+  ByteVector expected =
+      joined({attributeBytes(7, ByteVector(253, 0x41)), attributeBytes(7, ByteVector(253, 0x41)),
+              attributeBytes(7, ByteVector(94, 0x41))});
+  expected.resize(4076, untouched);
+  const Added added = addStandard(verdaBytes(value), concatInfo());
+  EXPECT_EQ(added.buffer, expected);
   EXPECT_EQ(added.moved, 510);
   EXPECT_EQ(added.curLen, 530);
 }
@@ -427,36 +484,63 @@ TEST(Concat, WritesNothingOfAnEmptyValue) {
 }
 
 TEST(Concat, MovesNothingWhenAFragmentDoesNotFit) {
-  for (const std::size_t size : Sizes{4045, 4076, 4077, 65535, 100000}) {
-    SCOPED_TRACE(size);
-    const Added refused = addStandard(verdaBytes(ByteVector(size)), concatInfo());
+  struct Case {
+    U16 curLen;
+    std::size_t size;
+    // The first fragment that does not fit, and where it would stand.
+    std::size_t refusedLength;
+    std::size_t refusedAt;
+  };
+  for (const Case& one : {Case{20, 4045, 252, 3845},
+                          {20, 4076, 255, 3845},
+                          {20, 4077, 255, 3845},
+                          {20, 65535, 255, 3845},
+                          {20, 100000, 255, 3845},
+                          {21, 4044, 251, 3846},
+                          {26, 4044, 251, 3851},
+                          {26, 4045, 252, 3851},
+                          {26, 4076, 255, 3851},
+                          {26, 4077, 255, 3851},
+                          {271, 3796, 3, 4096},
+                          {270, 3796, 3, 4095},
+                          {269, 3796, 3, 4094},
+                          {3842, 253, 255, 3842},
+                          {3842, 4077, 255, 3842},
+                          {4094, 1, 3, 4094},
+                          {4095, 1, 3, 4095},
+                          {4096, 1, 3, 4096},
+                          {4096, 4044, 255, 4096}}) {
+    SCOPED_TRACE(fmt::format("{} bytes at {}", one.size, one.curLen));
+    const Added refused =
+        addStandard(verdaBytes(ByteVector(one.size)), concatInfo(), 7, one.curLen);
     EXPECT_EQ(refused.result, ErrorMsg::maxPktLengthExceeded);
-    expectNothingMoved(refused);
-    // Fifteen whole fragments leave 251 bytes for the last.
-    const std::size_t last = std::min<std::size_t>(size - 15 * 253, 253) + 2;
-    EXPECT_EQ(refused.records,
-              (Records{errorRecord("", "addOctetTypes",
-                                   fmt::format("Attribute: 7 Length: {} addition exceeds max "
-                                               "packet length 3845",
-                                               last))}));
+    EXPECT_EQ(refused.records, noRoomRecord("addOctetTypes", one.refusedLength, one.refusedAt));
+    expectNothingMoved(refused, one.curLen);
+    // From the fragment on that does not fit, nothing is written.
+    const ByteVector rest(
+        refused.buffer.begin() + static_cast<std::ptrdiff_t>(one.refusedAt) - one.curLen,
+        refused.buffer.end());
+    EXPECT_EQ(rest, ByteVector(4096 - one.refusedAt, untouched));
   }
 }
 
 TEST(Concat, NeedsOctetsToBeSplit) {
-  const Added refused = addStandard(Verda::String(std::string(600, 't')),
-                                    infoOf(RadiusAttributeType::string, {.concat = true}));
-  EXPECT_EQ(refused.result, ErrorMsg::invalidAttrLength);
-  const Added notConcat =
-      addStandard(verdaBytes(ByteVector(254)), infoOf(RadiusAttributeType::octets));
-  EXPECT_EQ(notConcat.result, ErrorMsg::invalidAttrLength);
+  for (const std::size_t size : Sizes{254, 600, 4044, 4077}) {
+    SCOPED_TRACE(size);
+    expectRefused(addStandard(Verda::String(std::string(size, 't')),
+                              infoOf(RadiusAttributeType::string, {.concat = true})),
+                  ErrorMsg::invalidAttrLength, tooLongRecord("addStrTypes", size + 2));
+    expectRefused(addStandard(verdaBytes(ByteVector(size)), infoOf(RadiusAttributeType::octets)),
+                  ErrorMsg::invalidAttrLength, tooLongRecord("addOctetTypes", size + 2));
+  }
 }
 
 TEST(Concat, RefusesAnythingButOctets) {
-  const Added refused = addStandard(Verda::String(), concatInfo());
-  EXPECT_EQ(refused.result, ErrorMsg::invalidAttrDataType);
-  EXPECT_EQ(refused.records,
-            (Records{errorRecord("", "addAttribute",
-                                 "AttrId: 7 Expected bytes type, invalid data type passed")}));
+  for (const std::size_t index : Sizes{0, 1, 2, 3, 4, 5}) {
+    expectRefused(addStandard(alternatives()[index], concatInfo()), ErrorMsg::invalidAttrDataType,
+                  {errorRecord("", "addAttribute",
+                               "AttrId: 7 Expected bytes type, invalid data type passed")});
+  }
 }
 
 // ---- Vendor attributes ----
@@ -523,9 +607,14 @@ TEST(AddVsa, DoesNotSplitAConcatValue) {
   const AttrInfo info = infoOf(RadiusAttributeType::octets, {.concat = true});
   expectAdded(addVendor(verdaBytes(countingBytes(247)), info), vsa(countingBytes(247)));
   expectAdded(addVendor(Verda::Bytes(), info), vsa({}));
-  const Added refused = addVendor(verdaBytes(ByteVector(254)), info);
-  EXPECT_EQ(refused.result, ErrorMsg::invalidAttrLength);
-  EXPECT_EQ(refused.written(), ByteVector());
+  // The longest: its outer Length is 261 modulo 256.
+  expectAdded(addVendor(verdaBytes(countingBytes(253)), info),
+              joined({ByteVector{26, 5, 0xfe, 0xdc, 0xba, 0x98, 7, 255}, countingBytes(253)}));
+  for (const std::size_t size : Sizes{254, 506, 600, 4044, 4077}) {
+    SCOPED_TRACE(size);
+    expectRefused(addVendor(verdaBytes(ByteVector(size)), info), ErrorMsg::invalidAttrLength,
+                  tooLongRecord("addOctetTypes", size + 2));
+  }
 }
 
 TEST(AddVsa, WritesTypeAndVendorAloneOfATaggedNumberForATaggedDate) {
@@ -539,36 +628,52 @@ TEST(AddVsa, WritesTypeAndVendorAloneOfATaggedNumberForATaggedDate) {
 
 TEST(AddVsa, NeedsRoomAlsoForTypeAndVendorAlone) {
   for (const U16 curLen : {U16{4091}, U16{4096}}) {
-    const Added refused = addVendor(TaggedInt{.value = 1, .tag = 2},
-                                    infoOf(RadiusAttributeType::date, {.tag = true}), curLen);
-    EXPECT_EQ(refused.result, ErrorMsg::maxPktLengthExceeded);
-    EXPECT_EQ(refused.written(), ByteVector());
+    expectRefused(addVendor(TaggedInt{.value = 1, .tag = 2},
+                            infoOf(RadiusAttributeType::date, {.tag = true}), curLen),
+                  ErrorMsg::maxPktLengthExceeded, {}, curLen);
   }
 }
 
 TEST(AddVsa, RefusesWhatTheDictionaryLacks) {
   for (const ErrorMsg error : {ErrorMsg::invalidVendorId, ErrorMsg::invalidVendorAttrId}) {
     for (const AttrValue& value : alternatives()) {
-      const Added refused = addVendor(value, missing(error));
-      EXPECT_EQ(refused.result, error);
-      EXPECT_EQ(refused.written(), ByteVector());
-      EXPECT_EQ(refused.records,
-                (Records{errorRecord(
-                    "", "addVsa", "Unsupported VSA: 26, vendor Id: 4275878552, vendorAttrId: 7")}));
+      expectRefused(addVendor(value, missing(error)), error,
+                    {errorRecord("", "addVsa",
+                                 "Unsupported VSA: 26, vendor Id: 4275878552, vendorAttrId: 7")});
     }
   }
 }
 
-TEST(AddVsa, SaysInTheEncodersNameThatThereIsNoRoom) {
-  expectAdded(addVendor(0x01020304U, infoOf(RadiusAttributeType::integer), 4084),
-              vsa(fromHex("01020304")), 4084);
-  const Added refused = addVendor(0x01020304U, infoOf(RadiusAttributeType::integer), 4085);
-  EXPECT_EQ(refused.result, ErrorMsg::maxPktLengthExceeded);
-  EXPECT_EQ(refused.written(), ByteVector());
-  EXPECT_EQ(refused.records,
-            (Records{errorRecord("", "addIntegerDateTypes",
-                                 "Attribute: 7 Length: 12 addition exceeds max packet length "
-                                 "4085")}));
+TEST(AddVsa, NeedsRoomForTheWholeAttributeOfEveryDataType) {
+  using Type = RadiusAttributeType;
+  struct Case {
+    const char* name;
+    AttrValue value;
+    AttrInfo info;
+    const char* subValue;
+    const char* encoder;
+  };
+  for (const Case& one : std::vector<Case>{
+           {"string", Verda::String("nemo"), infoOf(Type::string), "6e656d6f", "addStrTypes"},
+           {"tagged string", TaggedStr{.str = "nemo", .tag = 3},
+            infoOf(Type::string, {.tag = true}), "036e656d6f", "addStrTypes"},
+           {"octets", Verda::Bytes{1, 2, 3}, infoOf(Type::octets), "010203", "addOctetTypes"},
+           {"no octets", Verda::Bytes(), infoOf(Type::octets), "", "addOctetTypes"},
+           {"integer", 0x01020304U, infoOf(Type::integer), "01020304", "addIntegerDateTypes"},
+           {"tagged integer", TaggedInt{.value = 0x01020304, .tag = 2},
+            infoOf(Type::integer, {.tag = true}), "02020304", "addIntegerDateTypes"},
+           {"date", 0x01020304U, infoOf(Type::date), "01020304", "addIntegerDateTypes"},
+       }) {
+    SCOPED_TRACE(one.name);
+    const ByteVector written = vsa(fromHex(one.subValue));
+    const auto lastPlace = static_cast<U16>(4096 - written.size());
+    expectAdded(addVendor(one.value, one.info, lastPlace), written, lastPlace);
+    for (const std::size_t curLen : Sizes{lastPlace + 1U, 4096}) {
+      expectRefused(addVendor(one.value, one.info, static_cast<U16>(curLen)),
+                    ErrorMsg::maxPktLengthExceeded,
+                    noRoomRecord(one.encoder, written.size(), curLen), static_cast<U16>(curLen));
+    }
+  }
 }
 
 TEST(AddVsa, TracesItsEntryAndTheEncoders) {

@@ -17,20 +17,19 @@ namespace {
 using RadiusPacketParser::RadiusAttributeType;
 using namespace RadiusPktParserBase;
 using TestSupport::ByteVector;
-using TestSupport::CapturedRecord;
 using TestSupport::CapturingSink;
 using TestSupport::countingBytes;
 using TestSupport::DataType;
 using TestSupport::errorRecord;
 using TestSupport::fromHex;
 using TestSupport::joined;
+using TestSupport::Records;
+using TestSupport::Sizes;
 using TestSupport::verdaBytes;
 using Verda::U16;
 using Verda::U32;
 using Verda::U8;
 using Zonet::IpGenPrefix;
-using Records = std::vector<CapturedRecord>;
-using Sizes = std::vector<std::size_t>;
 
 /// What a buffer holds where nothing was written.
 constexpr U8 untouched = 0xee;
@@ -307,12 +306,17 @@ TEST(VendorForm, WritesTheOuterLengthModulo256) {
   for (const Outer& outer :
        {Outer{245, 253}, {246, 254}, {247, 255}, {248, 0}, {249, 1}, {253, 5}}) {
     SCOPED_TRACE(outer.value);
-    const Written plain = write(octets(ByteVector(outer.value), true), 300, 20);
-    EXPECT_EQ(plain.buffer[1], outer.length);
-    EXPECT_EQ(plain.buffer[7], outer.value + 2);
-    const Written tagged = write(text(std::string(outer.value - 1, 't'), true, true), 300, 20);
-    EXPECT_EQ(tagged.buffer[1], outer.length);
-    EXPECT_EQ(tagged.buffer[7], outer.value + 2);
+    ByteVector front(8, untouched);
+    front[1] = outer.length;
+    front[6] = 7;
+    front[7] = static_cast<U8>(outer.value + 2);
+    const ByteVector value = countingBytes(outer.value);
+    EXPECT_EQ(write(octets(value, true), 300, 20).buffer,
+              followedByUntouched(joined({front, value}), 300));
+    const std::string behindTag(outer.value - 1, 't');
+    EXPECT_EQ(write(text(behindTag, true, true), 300, 20).buffer,
+              followedByUntouched(
+                  joined({front, ByteVector{0x11}, TestSupport::bytesOf(behindTag)}), 300));
   }
 }
 
@@ -328,8 +332,13 @@ TEST(VendorForm, NeedsRoomForAllThatIsWrittenWhateverTheOuterLengthSays) {
 }
 
 TEST(Encoders, LookAtTheValuesLengthBeforeThePackets) {
-  const Written refused = write(octets(ByteVector(254), false), 256, 4096);
-  EXPECT_EQ(refused.result, ErrorMsg::invalidAttrLength);
+  for (const bool isVsa : bothForms) {
+    const Written refused = write(octets(ByteVector(254), isVsa), 256, 4096);
+    EXPECT_EQ(refused.result, ErrorMsg::invalidAttrLength);
+    EXPECT_EQ(refused.buffer, ByteVector(256, untouched));
+    EXPECT_EQ(refused.records,
+              (Records{errorRecord("", "addOctetTypes", "Attribute: 7 with invalid length 256")}));
+  }
 }
 
 TEST(Encoders, WriteEveryAttributeNumber) {

@@ -20,11 +20,11 @@ namespace {
 using namespace RadiusPktParserBase;
 using TestSupport::assertionTextOf;
 using TestSupport::ByteVector;
-using TestSupport::CapturedRecord;
 using TestSupport::CapturingSink;
 using TestSupport::countingBytes;
 using TestSupport::errorRecord;
 using TestSupport::joined;
+using TestSupport::Records;
 using TestSupport::testReqAuth;
 using TestSupport::testSecret;
 using TestSupport::verdaBytes;
@@ -32,7 +32,6 @@ using Verda::U32;
 using Verda::U8;
 using ZoCrypto::FaultSeam;
 using ZoCrypto::Primitive;
-using Records = std::vector<CapturedRecord>;
 
 const std::set<U32> requests{1, 4, 12, 40, 43};
 const ByteVector salt{0x80, 0x17};

@@ -11,18 +11,17 @@ namespace {
 using RadiusPacketParser::RadiusAttributeType;
 using namespace RadiusPktParserBase;
 using TestSupport::ByteVector;
-using TestSupport::CapturedRecord;
 using TestSupport::countingBytes;
 using TestSupport::DataType;
 using TestSupport::DictionaryMaker;
 using TestSupport::Flags;
 using TestSupport::joined;
 using TestSupport::PacketMaker;
+using TestSupport::Records;
 using TestSupport::Walked;
 using TestSupport::walkRecord;
 using Verda::U32;
 using Verda::U8;
-using Records = std::vector<CapturedRecord>;
 
 constexpr U8 code = 200;
 constexpr U32 vendorId = 32473;

@@ -17,7 +17,6 @@ namespace {
 using RadiusPacketParser::RadiusAttributeType;
 using namespace RadiusPktParserBase;
 using TestSupport::ByteVector;
-using TestSupport::CapturedRecord;
 using TestSupport::CapturingSink;
 using TestSupport::countingBytes;
 using TestSupport::DictionaryMaker;
@@ -27,6 +26,7 @@ using TestSupport::PacketMaker;
 using TestSupport::Received;
 using TestSupport::RecordingParser;
 using TestSupport::RecordingSink;
+using TestSupport::Records;
 using TestSupport::reqAuthFor;
 using TestSupport::testReqAuth;
 using TestSupport::testSecret;
@@ -37,7 +37,6 @@ using Verda::U32;
 using Verda::U8;
 using ZoCrypto::FaultSeam;
 using ZoCrypto::Primitive;
-using Records = std::vector<CapturedRecord>;
 using Texts = std::vector<std::string>;
 
 constexpr U8 userName = 1;

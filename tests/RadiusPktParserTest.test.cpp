@@ -32,6 +32,7 @@ using TestSupport::countingBytes;
 using TestSupport::DictionaryMaker;
 using TestSupport::PacketMaker;
 using TestSupport::pktOf;
+using TestSupport::Records;
 using TestSupport::reqAuthFor;
 using TestSupport::shippedDictionary;
 using TestSupport::testSecret;
@@ -39,7 +40,6 @@ using TestSupport::thrownText;
 using TestSupport::verdaBytes;
 using Verda::U32;
 using Verda::U8;
-using Records = std::vector<CapturedRecord>;
 using Verdict = StatusServerErrorMsg;
 
 // ---- StatusServerErrorMsg ----

@@ -20,6 +20,8 @@ struct CapturedRecord {
   bool operator==(const CapturedRecord&) const = default;
 };
 
+using Records = std::vector<CapturedRecord>;
+
 /// Takes all trace of the process while it lives, up to a threshold, and restores the default
 /// behind it.
 class CapturingSink final : public Verda::TraceSink {
@@ -39,7 +41,7 @@ class CapturingSink final : public Verda::TraceSink {
                         std::string(record.function), std::string(record.text)});
   }
 
-  std::vector<CapturedRecord> records() const {
+  Records records() const {
     const std::lock_guard lock(mutex_);
     return records_;
   }
@@ -62,7 +64,7 @@ class CapturingSink final : public Verda::TraceSink {
 
  private:
   mutable std::mutex mutex_;
-  std::vector<CapturedRecord> records_;
+  Records records_;
 };
 
 }  // namespace TestSupport

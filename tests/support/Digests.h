@@ -11,6 +11,7 @@
 namespace TestSupport {
 
 using ByteVector = std::vector<Verda::U8>;
+using Sizes = std::vector<std::size_t>;
 
 /// The bytes of a text.
 ByteVector bytesOf(const std::string& text);
