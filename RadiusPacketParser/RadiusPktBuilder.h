@@ -67,8 +67,9 @@ class VERDA_EXPORT RadiusPktBuilder : public Verda::Node {
   /// @param secret   the shared secret, up to its first zero byte
   /// @param reqAuth  empty for a request; the authenticator of the request that a response answers
   /// @return the packet, or no packet and the first fault: `invalidPktPtr` (no header),
-  ///         `maxPktLengthExceeded`, `invalidBytesCopied` (an authenticator of less than 16 bytes),
-  ///         `md5GenerationFailed`, or what the encoders say of an attribute
+  ///         `maxPktLengthExceeded`, `invalidBytesCopied` (an authenticator of less than 16 bytes
+  ///         where a value is hidden or a Message-Authenticator computed), `md5GenerationFailed`,
+  ///         or what the encoders say of an attribute
   Verda::Ptr<PktReturn> createPktFromHdr(const Verda::String& secret, const Verda::Bytes& reqAuth,
                                          const Verda::Ptr<RadiusHdr>& hdr,
                                          const Verda::Ptr<PktInfoBuilder>& pktInfoBuilder) const;

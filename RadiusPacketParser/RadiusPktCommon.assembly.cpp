@@ -71,13 +71,14 @@ class AttributeAppender {
   /// Encodes a value and hides it as the dictionary asks.
   ErrorMsg append(const Attribute& key, const AttrInfo& attrInfo, const AttrValue& value) {
     U8* position = pkt_ + length_;
-    ErrorMsg fault = key.attrId == RadiusAttributeId::VENDOR_SPECIFIC
-                         ? detail::addVsa(value, key, attrInfo, position, length_)
-                         : detail::addAttribute(value, key, attrInfo, position, length_);
+    const bool isVsa = key.attrId == RadiusAttributeId::VENDOR_SPECIFIC;
+    ErrorMsg fault = isVsa ? detail::addVsa(value, key, attrInfo, position, length_)
+                           : detail::addAttribute(value, key, attrInfo, position, length_);
     if (fault == ErrorMsg::success) {
       // Where nothing was written nothing is hidden; a caller's mistake is one all the same.
       static constexpr AttrInfo nothingHidden;
-      const bool isNothing = isHidden(attrInfo) && detail::isWrittenAsNothing(value, key, attrInfo);
+      const bool isNothing =
+          isHidden(attrInfo) && detail::isWrittenAsNothing(value, attrInfo, isVsa);
       fault = detail::encryptAttribute(key, position, secret_, reqAuth_, hdr_,
                                        isNothing ? nothingHidden : attrInfo);
     }

@@ -31,10 +31,9 @@ bool hasRandomAuthenticator(Verda::U8 code);
 /// Copies as many of an authenticator's bytes as there are into a 16-byte place.
 void copyAuthenticator(std::span<const Verda::U8> from, Verda::U8* to);
 
-/// Whether the encoder of a value that goes with its attribute writes no attribute: a `TaggedInt`
-/// for a tagged `date`, and an empty value of a standard concat attribute.
-bool isWrittenAsNothing(const AttrValue& value, const Attribute& attribute,
-                        const AttrInfo& attrInfo);
+/// Whether the encoder of a value that goes with its attribute writes none: of a `TaggedInt` for a
+/// tagged `date`, and of an empty value of a concat attribute in standard form.
+bool isWrittenAsNothing(const AttrValue& value, const AttrInfo& attrInfo, bool isVsa);
 
 // What the functions of these names do, for walk and assembly, which ask them of every attribute:
 // the short ways inline, the others out of line. Values go by reference because copying them costs,

@@ -424,15 +424,13 @@ ErrorMsg addIfidTypes(U8* buf, U8 attrId, const IpGenPrefix& prefix, U16 curLen)
                       AttributeConstants::ipv6InterfaceLength());
 }
 
-bool detail::isWrittenAsNothing(const AttrValue& value, const Attribute& attribute,
-                                const AttrInfo& attrInfo) {
+bool detail::isWrittenAsNothing(const AttrValue& value, const AttrInfo& attrInfo, bool isVsa) {
   switch (attrInfo.attributeType) {
     case RadiusAttributeType::date:
       return attrInfo.isTagged && std::holds_alternative<TaggedInt>(value);
     case RadiusAttributeType::octets: {
       const auto* octets = std::get_if<Bytes>(&value);
-      return attrInfo.isConcat && attribute.attrId != RadiusAttributeId::VENDOR_SPECIFIC &&
-             octets != nullptr && octets->empty();
+      return attrInfo.isConcat && !isVsa && octets != nullptr && octets->empty();
     }
     default:
       return false;
@@ -447,7 +445,7 @@ ErrorMsg detail::addAttribute(const AttrValue& value, const Attribute& attribute
     TRACE_STANDARD("Unsupported attribute: {}", attrId);
     return attrInfo.errorMsg;
   }
-  if (isWrittenAsNothing(value, attribute, attrInfo)) {
+  if (isWrittenAsNothing(value, attrInfo, false)) {
     return ErrorMsg::success;
   }
   switch (attrInfo.attributeType) {
@@ -491,7 +489,7 @@ ErrorMsg detail::addVsa(const AttrValue& value, const Attribute& attribute,
     return attrInfo.errorMsg;
   }
   ErrorMsg fault = ErrorMsg::success;
-  if (!isWrittenAsNothing(value, attribute, attrInfo)) {
+  if (!isWrittenAsNothing(value, attrInfo, true)) {
     fault = addSubAttribute(value, attribute, attrInfo, buf, length);
   } else if (!fitsPacket(length, VsaConstants::vendorTypeOffset())) {
     fault = ErrorMsg::maxPktLengthExceeded;

@@ -106,4 +106,24 @@ TEST(AssemblyVendor, WritesItsAttributeWithoutTouchingWhatStandsBehind) {
                PacketMaker(accessAccept).addVendor(9, 3, countingBytes(247)).addVendor(9, 3, {}));
 }
 
+TEST(AssemblyVendor, GoesOnByTheOuterLengthAlsoWhereItIsAReplacement) {
+  const auto old = PacketMaker(accessRequest)
+                       .add(1, bytesOf("nemo"))
+                       .addVendor(9, 7, {1})
+                       .add(27, {0, 0, 0, 1})
+                       .addMessageAuthenticator();
+  for (const std::size_t size : Sizes{248, 249, 253}) {
+    SCOPED_TRACE(size);
+    ByteVector front{26, static_cast<U8>(size + 8), 0, 0, 0};
+    front.resize(size - 248);
+    expectPacket(
+        modify(old.make(), RequestMaker().replace(vendorOctets, {octets(countingBytes(size))})),
+        PacketMaker(accessRequest)
+            .add(1, bytesOf("nemo"))
+            .addRaw(front)
+            .add(27, {0, 0, 0, 1})
+            .addMessageAuthenticator());
+  }
+}
+
 }  // namespace

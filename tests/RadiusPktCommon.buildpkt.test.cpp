@@ -97,8 +97,10 @@ TEST(BuildPkt, SignsAResponseWithoutARequestAuthenticatorLikeARequest) {
       request.addMessageAuthenticator();
       expected.addMessageAuthenticator();
     }
-    const auto built =
-        buildPkt(nullptr, testSecret, {}, headerOf(accessAccept), request.make(), dictionary());
+    // Bytes that must count as zeros.
+    const auto hdr = headerOf(accessAccept);
+    hdr->authenticatorIs(Verda::String(std::string(16, 'h')));
+    const auto built = buildPkt(nullptr, testSecret, {}, hdr, request.make(), dictionary());
     ASSERT_EQ(built->errorMsg(), ErrorMsg::success);
     EXPECT_EQ(bytesOf(built->pkt()), expected.make());
   }
@@ -254,6 +256,20 @@ TEST(BuildPkt, TracesTheEntryOfEveryOperation) {
             (std::vector<std::string>{"buildPkt", "replaceAttributesInPkt", "getAttrInfo",
                                       "addAttribute", "addStrTypes", "encryptAttribute",
                                       "addAttributesToPkt", "setResponseAuthenticator"}));
+}
+
+TEST(BuildPkt, SignsUnderAShortRequestAuthenticatorWhereNothingElseNeedsIt) {
+  const auto hdr = headerOf(accessAccept);
+  hdr->authenticatorIs(Verda::String(std::string(16, 'h')));
+  const ByteVector reqAuth = countingBytes(15, 0x60);
+  const auto built = buildPkt(nullptr, testSecret, verdaBytes(reqAuth), hdr,
+                              RequestMaker().add(userName, {text("nemo")}).make(), dictionary());
+  ASSERT_EQ(built->errorMsg(), ErrorMsg::success);
+  // The byte that is missing is that of the header.
+  EXPECT_EQ(TestSupport::bytesOf(built->pkt()), PacketMaker(accessAccept)
+                                                    .reqAuthIs(joined({reqAuth, ByteVector{'h'}}))
+                                                    .add(1, bytesOf("nemo"))
+                                                    .make());
 }
 
 }  // namespace

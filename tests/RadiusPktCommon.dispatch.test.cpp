@@ -483,6 +483,15 @@ TEST(Concat, WritesNothingOfAnEmptyValue) {
   }
 }
 
+TEST(Concat, IsOfTheFormThatIsCalledForWhateverTheKeySays) {
+  expectAdded(addStandard(Verda::Bytes(), concatInfo(), 26), {});
+  ByteVector buffer(8, untouched);
+  EXPECT_EQ(addVsa(Verda::Bytes(), {.vendorId = 9, .attrId = 7, .vendorAttrId = 2}, concatInfo(),
+                   buffer.data(), 20, nullptr),
+            ErrorMsg::success);
+  EXPECT_EQ(buffer, vendorBytes(9, 2, {}));
+}
+
 TEST(Concat, MovesNothingWhenAFragmentDoesNotFit) {
   struct Case {
     U16 curLen;
