@@ -348,7 +348,7 @@ class VendorBlockParser {
   /// Takes the vendor's number from the vendor map, for a block without a VENDOR line.
   void findVendor(const Place& place, std::string_view name) {
     TRACE_PROBLEM(place, " Vendor-id isn't present for Vendor Name {}", name);
-    if (const U32* id = vendorMap_->vendorNameToId(name)) {
+    if (const std::optional<U32> id = vendorMap_->vendorNameToId(name)) {
       useVendor(*id, name);
     } else {
       TRACE_PROBLEM(place, " Unknown Vendor Name at{}", place.line);

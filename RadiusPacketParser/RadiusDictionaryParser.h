@@ -112,7 +112,7 @@ class VERDA_EXPORT VendorMap : public Verda::Node {
  public:
   VendorMap() = default;
 
-  TYL_VALUE_COLLECTION(Verda::String, Verda::U32, vendorNameToId)
+  TYL_VALUE_COLLECTION(HashMap, Verda::String, Verda::U32, vendorNameToId, TylVendorNameToId)
 };
 
 TYL_FACTORY(attributeNodeFactory, AttributeNode)

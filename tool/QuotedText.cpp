@@ -2,8 +2,9 @@
 
 #include <optional>
 
+#include "Verda/Escape.h"
+
 #include "tool/ControlByte.h"
-#include "tool/HexText.h"
 
 namespace RadiusPacketTool {
 
@@ -11,33 +12,13 @@ using Verda::U8;
 
 namespace {
 
-constexpr std::size_t hexDigits = 2;
-
 /// Takes an escape off the front of a text, from behind its backslash.
 U8 takeEscape(std::string_view& text) {
-  const char kind = text.empty() ? '\0' : text.front();
-  text.remove_prefix(text.empty() ? 0 : 1);
-  switch (kind) {
-    case 'n':
-      return '\n';
-    case 'r':
-      return '\r';
-    case 't':
-      return '\t';
-    case '"':
-    case '\\':
-      return static_cast<U8>(kind);
-    case 'x': {
-      const std::optional<std::vector<U8>> byte = bytesOfHex(text.substr(0, hexDigits));
-      if (byte.has_value() && byte->size() == 1) {
-        text.remove_prefix(hexDigits);
-        return byte->front();
-      }
-      throw BadAttribute("behind \\x stand two hex digits");
-    }
-    default:
-      throw BadAttribute("the escapes are \\n, \\r, \\t, \\\\, \\\" and \\xNN");
+  if (const std::optional<char> byte = Verda::takeEscape(text, "\"\\")) {
+    return static_cast<U8>(*byte);
   }
+  throw BadAttribute(text.starts_with('x') ? "behind \\x stand two hex digits"
+                                           : "the escapes are \\n, \\r, \\t, \\\\, \\\" and \\xNN");
 }
 
 }  // namespace

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <optional>
 #include <utility>
 #include <vector>
 
@@ -110,44 +111,47 @@
                                                                                      \
  public:
 
-/// A hash map of plain values.
+/// A collection of plain values. `Map` is `HashMap` or `OrderedMap`, `MemberNode` the name for the
+/// type of the collection's members.
 /// - `name()`: the collection, to iterate;
-/// - `name(key)`, `nameGet(key)`: the value of `key`, or null; valid until the collection changes;
+/// - `name(key)`, `nameGet(key)`: the value of `key`, or nothing;
 /// - `nameHas(key)`: whether there is one;
 /// - `nameIs(key, value)`: inserts, or overwrites what is there;
-/// - `nameDel(key)`: removes; an absent key changes nothing;
+/// - `nameDel(key)`: removes the value and returns it, or nothing when there was none;
 /// - `nameDelAll()`: empties the collection.
-#define TYL_VALUE_COLLECTION(Key, Value, name)       \
- public:                                             \
-  const ::Verda::HashMap<Key, Value>& name() const { \
-    return name##_;                                  \
-  }                                                  \
-  const Value* name(const Key& key) const {          \
-    return name##_.find(key);                        \
-  }                                                  \
-  const Value* name##Get(const Key& key) const {     \
-    return name##_.find(key);                        \
-  }                                                  \
-  bool name##Has(const Key& key) const {             \
-    return name##_.find(key) != nullptr;             \
-  }                                                  \
-  void name##Is(const Key& key, Value value) {       \
-    if (Value* present = name##_.find(key)) {        \
-      *present = std::move(value);                   \
-    } else {                                         \
-      name##_.insert(key, std::move(value));         \
-    }                                                \
-  }                                                  \
-  void name##Del(const Key& key) {                   \
-    name##_.remove(key);                             \
-  }                                                  \
-  void name##DelAll() {                              \
-    name##_.clear();                                 \
-  }                                                  \
-                                                     \
- private:                                            \
-  ::Verda::HashMap<Key, Value> name##_;              \
-                                                     \
+#define TYL_VALUE_COLLECTION(Map, Key, Value, name, MemberNode)            \
+ public:                                                                   \
+  using MemberNode = ::Verda::Map<Key, Value>::Member;                     \
+  const ::Verda::Map<Key, Value>& name() const {                           \
+    return name##_;                                                        \
+  }                                                                        \
+  std::optional<Value> name(const Key& key) const {                        \
+    return name##Get(key);                                                 \
+  }                                                                        \
+  std::optional<Value> name##Get(const Key& key) const {                   \
+    const Value* found = name##_.find(key);                                \
+    return found == nullptr ? std::nullopt : std::optional<Value>(*found); \
+  }                                                                        \
+  bool name##Has(const Key& key) const {                                   \
+    return name##_.find(key) != nullptr;                                   \
+  }                                                                        \
+  void name##Is(const Key& key, Value value) {                             \
+    if (Value* present = name##_.find(key)) {                              \
+      *present = std::move(value);                                         \
+    } else {                                                               \
+      name##_.insert(key, std::move(value));                               \
+    }                                                                      \
+  }                                                                        \
+  std::optional<Value> name##Del(const Key& key) {                         \
+    return name##_.remove(key);                                            \
+  }                                                                        \
+  void name##DelAll() {                                                    \
+    name##_.clear();                                                       \
+  }                                                                        \
+                                                                           \
+ private:                                                                  \
+  ::Verda::Map<Key, Value> name##_;                                        \
+                                                                           \
  public:
 
 /// A hash set of plain values.
@@ -155,29 +159,29 @@
 /// - `nameHas(member)`: whether it is in the set;
 /// - `nameIs(member)`: inserts it unless it is present; returns the member either way, valid until
 ///   the set changes;
-/// - `nameDel(member)`: removes; an absent member changes nothing;
+/// - `nameDel(member)`: removes it and returns it, or nothing when it was not in the set;
 /// - `nameDelAll()`: empties the set.
-#define TYL_SET(Value, name)                    \
- public:                                        \
-  const ::Verda::HashSet<Value>& name() const { \
-    return name##_;                             \
-  }                                             \
-  bool name##Has(const Value& member) const {   \
-    return name##_.has(member);                 \
-  }                                             \
-  const Value& name##Is(const Value& member) {  \
-    return name##_.insert(member);              \
-  }                                             \
-  void name##Del(const Value& member) {         \
-    name##_.remove(member);                     \
-  }                                             \
-  void name##DelAll() {                         \
-    name##_.clear();                            \
-  }                                             \
-                                                \
- private:                                       \
-  ::Verda::HashSet<Value> name##_;              \
-                                                \
+#define TYL_SET(Value, name)                            \
+ public:                                                \
+  const ::Verda::HashSet<Value>& name() const {         \
+    return name##_;                                     \
+  }                                                     \
+  bool name##Has(const Value& member) const {           \
+    return name##_.has(member);                         \
+  }                                                     \
+  const Value& name##Is(const Value& member) {          \
+    return name##_.insert(member);                      \
+  }                                                     \
+  std::optional<Value> name##Del(const Value& member) { \
+    return name##_.remove(member);                      \
+  }                                                     \
+  void name##DelAll() {                                 \
+    name##_.clear();                                    \
+  }                                                     \
+                                                        \
+ private:                                               \
+  ::Verda::HashSet<Value> name##_;                      \
+                                                        \
  public:
 
 /// A sequence of plain values.

@@ -5,7 +5,18 @@
 
 #include <fmt/format.h>
 
+#include "Verda/Escape.h"
+
 namespace Tyl {
+namespace {
+
+constexpr std::string_view escapedInText = "\"\\";
+
+}  // namespace
+
+void RecordWriter::field(std::string_view name, const Verda::String& value) {
+  write(name, '"' + Verda::escaped(value, escapedInText) + '"');
+}
 
 void RecordWriter::write(std::string_view name, std::string_view value) {
   if (!fields_.empty()) {
@@ -29,6 +40,28 @@ void RecordReader::field(std::string_view name, bool& value) {
     fail(name, "neither true nor false");
   }
   value = word == "true";
+}
+
+void RecordReader::field(std::string_view name, Verda::String& value) {
+  begin(name);
+  const std::optional<std::string_view> quoted = text_.quoted();
+  if (!quoted) {
+    fail(name, "no text between quotation marks");
+  }
+  std::string_view rest = *quoted;
+  std::string text;
+  while (!rest.empty()) {
+    std::optional<char> byte = rest.front();
+    rest.remove_prefix(1);
+    if (byte == '\\') {
+      byte = Verda::takeEscape(rest, escapedInText);
+    }
+    if (!byte) {
+      fail(name, "an escape that means nothing");
+    }
+    text += *byte;
+  }
+  value = text;
 }
 
 void RecordReader::end() {

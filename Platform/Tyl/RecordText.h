@@ -15,8 +15,10 @@
 
 namespace Tyl {
 
-/// Writes the text form of a record of plain fields: `{first=true, second=7, third=string}`.
-/// Booleans are `true` and `false`, numbers decimal, enumerations by name.
+/// Writes the text form of a record of plain fields: `{first=true, second=7, third=string,
+/// fourth="text"}`. Booleans are `true` and `false`, numbers decimal, enumerations by name; strings
+/// stand between quotation marks, with a backslash before those inside and before backslashes, and
+/// control bytes and what is not UTF-8 as `\n`, `\t`, `\r` or `\xNN`.
 class VERDA_EXPORT RecordWriter {
  public:
   void field(std::string_view name, bool value) { write(name, value ? "true" : "false"); }
@@ -29,6 +31,8 @@ class VERDA_EXPORT RecordWriter {
   template <typename Enum>
   requires std::is_enum_v<Enum>
   void field(std::string_view name, Enum value) { write(name, stringValue(value)); }
+
+  void field(std::string_view name, const Verda::String& value);
 
   /// The record's text; call it once, behind the last field.
   Verda::String text() const { return Verda::String("{" + fields_ + "}"); }
@@ -63,6 +67,8 @@ class VERDA_EXPORT RecordReader {
       fail(name, fault.what());
     }
   }
+
+  void field(std::string_view name, Verda::String& value);
 
   /// Ends the record; call it behind the last field.
   void end();

@@ -22,6 +22,21 @@ std::string_view TextReader::word() {
   return word;
 }
 
+std::optional<std::string_view> TextReader::quoted() {
+  if (!take('"')) {
+    return std::nullopt;
+  }
+  for (std::size_t at = 0; at < rest_.size(); ++at) {
+    if (rest_[at] == '"') {
+      const std::string_view content = rest_.substr(0, at);
+      rest_.remove_prefix(at + 1);
+      return content;
+    }
+    at += rest_[at] == '\\' ? 1 : 0;
+  }
+  return std::nullopt;
+}
+
 bool TextReader::take(char mark) {
   skipWhiteSpace();
   if (rest_.empty() || rest_.front() != mark) {

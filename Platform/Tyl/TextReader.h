@@ -1,5 +1,6 @@
 #pragma once
 
+#include <optional>
 #include <string_view>
 
 #include "Verda/Export.h"
@@ -15,6 +16,10 @@ class VERDA_EXPORT TextReader {
   /// The longest run of letters, digits, `_` and `-` that comes next, behind white space; empty
   /// when something else comes.
   std::string_view word();
+
+  /// The characters between the quotation mark that comes next, behind white space, and the next
+  /// one that no backslash stands before; nothing when there are no two such marks.
+  std::optional<std::string_view> quoted();
 
   /// Takes `mark` when it comes next, behind white space, and says whether it did.
   bool take(char mark);

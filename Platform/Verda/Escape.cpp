@@ -1,7 +1,9 @@
 #include "Verda/Escape.h"
 
+#include <charconv>
 #include <cstddef>
 #include <iterator>
+#include <system_error>
 
 #include <fmt/format.h>
 
@@ -94,6 +96,36 @@ void escapeTo(std::string& out, std::string_view text, std::string_view alsoEsca
     }
     text.remove_prefix(character.size());
   }
+}
+
+std::optional<char> takeEscape(std::string_view& text, std::string_view alsoEscaped) {
+  constexpr std::size_t hexDigits = 2;
+  constexpr int hexBase = 16;
+  if (text.empty()) {
+    return std::nullopt;
+  }
+  const char kind = text.front();
+  std::optional<char> byte;
+  std::size_t length = 1;
+  if (kind == 'n') {
+    byte = '\n';
+  } else if (kind == 'r') {
+    byte = '\r';
+  } else if (kind == 't') {
+    byte = '\t';
+  } else if (alsoEscaped.find(kind) != std::string_view::npos) {
+    byte = kind;
+  } else if (kind == 'x' && text.size() > hexDigits) {
+    U8 number = 0;
+    const char* const digits = text.data() + 1;
+    const auto [end, error] = std::from_chars(digits, digits + hexDigits, number, hexBase);
+    if (error == std::errc() && end == digits + hexDigits) {
+      byte = static_cast<char>(number);
+      length += hexDigits;
+    }
+  }
+  text.remove_prefix(byte.has_value() ? length : 0);
+  return byte;
 }
 
 std::string escaped(std::string_view text, std::string_view alsoEscaped) {

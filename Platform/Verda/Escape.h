@@ -1,5 +1,6 @@
 #pragma once
 
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -15,5 +16,11 @@ VERDA_EXPORT void escapeTo(std::string& out, std::string_view text,
 
 /// The escaped form of `text` by itself.
 VERDA_EXPORT std::string escaped(std::string_view text, std::string_view alsoEscaped = {});
+
+/// Takes an escape off the front of `text`, which begins behind its backslash, and gives the byte
+/// that it stands for: `n`, `r`, `t`, `xNN`, or a character of `alsoEscaped`. Nothing, and `text` as
+/// it was, when it is none of them.
+VERDA_EXPORT std::optional<char> takeEscape(std::string_view& text,
+                                            std::string_view alsoEscaped = {});
 
 }  // namespace Verda

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <optional>
+
 #include "Verda/HashTable.h"
 
 namespace Verda {
@@ -29,8 +31,8 @@ class HashSet {
   /// Inserts `key` unless it is present; returns the member, valid until the set changes.
   const Key& insert(const Key& key) { return *table_.insert(key).first; }
 
-  /// Removes `key`; an absent one changes nothing.
-  void remove(const Key& key) { table_.remove(key); }
+  /// Removes `key` and returns it, or nothing when it is absent.
+  std::optional<Key> remove(const Key& key) { return table_.remove(key); }
 
   void clear() { table_.clear(); }
 

@@ -17,7 +17,7 @@ using Verda::U32;
 using Verda::U64;
 using Verda::U8;
 
-/// The storage of a packet: a fixed block of bytes of which the front part counts.
+/// The storage of a packet: a block of bytes of which the front part counts.
 class VERDA_EXPORT PktBuffer : public Verda::Node {
   TYL_ENTITY(PktBuffer)
 
@@ -32,11 +32,25 @@ class VERDA_EXPORT PktBuffer : public Verda::Node {
   const U8* data() const { return storage_.get(); }
 
   /// Cuts `count` bytes off the end, or all there are when there are fewer.
-  void tailCut(U32 count) { bytes_ -= count < bytes_ ? count : bytes_; }
+  void tailCut(U32 count) {
+    bytes_ -= count < bytes_ ? count : bytes_;
+    reach_ = bytes_;
+  }
+
+  /// How many bytes at `data()` may be read and written: those that count, and what `reachIs` put
+  /// behind them.
+  U32 reach() const { return reach_; }
+
+  /// Lets at least `bytes` bytes at `data()` be read and written. What is put behind those that
+  /// could be is zeros; how many bytes count stays as it is. The block grows when it must, and
+  /// pointers into it are then void.
+  void reachIs(U32 bytes);
 
  private:
   std::unique_ptr<U8[]> storage_;
+  U32 capacity_;
   U32 bytes_;
+  U32 reach_;
 };
 
 /// A packet over a shared buffer. The operations that work in a packet, even those that put the
@@ -51,6 +65,9 @@ class VERDA_EXPORT Pkt : public Verda::Node {
   explicit Pkt(U32 bytes);
   /// A packet holding a copy of `content`.
   explicit Pkt(std::span<const U8> content);
+
+  /// The buffer, shared.
+  const Verda::Ptr<PktBuffer>& buffer() const { return buffer_; }
 
   /// How many bytes the packet has.
   U32 bytes() const { return buffer_->bytes(); }

@@ -42,7 +42,8 @@ class House : public Node {
   TYL_ENTITY_ATTRIBUTE(Room, hall)
   TYL_ENTITY_COLLECTION(HashMap, U16, Room, room, HouseRoom)
   TYL_ENTITY_COLLECTION(OrderedMap, U16, Room, cellar, HouseCellar)
-  TYL_VALUE_COLLECTION(String, U32, price)
+  TYL_VALUE_COLLECTION(HashMap, String, U32, price, HousePrice)
+  TYL_VALUE_COLLECTION(OrderedMap, U16, String, label, HouseLabel)
   TYL_SET(String, guest)
   TYL_SEQUENCE(String, visit)
 };
@@ -153,27 +154,39 @@ TEST_F(Accessors, InsertOrOverwriteAPlainValue) {
   house->priceIs("winter", 50);
   house->priceIs("summer", 120);
   EXPECT_EQ(house->price().size(), 2U);
-  ASSERT_NE(house->price("summer"), nullptr);
-  EXPECT_EQ(*house->price("summer"), 120U);
-  EXPECT_EQ(*house->priceGet("winter"), 50U);
+  EXPECT_EQ(house->price("summer"), 120U);
+  EXPECT_EQ(house->priceGet("winter"), 50U);
   EXPECT_TRUE(house->priceHas("winter"));
 }
 
 TEST_F(Accessors, ReadNoValueForAnAbsentKey) {
-  EXPECT_EQ(house->price("summer"), nullptr);
-  EXPECT_EQ(house->priceGet("summer"), nullptr);
+  EXPECT_EQ(house->price("summer"), std::nullopt);
+  EXPECT_EQ(house->priceGet("summer"), std::nullopt);
   EXPECT_FALSE(house->priceHas("summer"));
 }
 
 TEST_F(Accessors, RemovePlainValues) {
   house->priceIs("summer", 100);
   house->priceIs("winter", 50);
-  house->priceDel("spring");
+  EXPECT_EQ(house->priceDel("spring"), std::nullopt);
   EXPECT_EQ(house->price().size(), 2U);
-  house->priceDel("summer");
+  EXPECT_EQ(house->priceDel("summer"), 100U);
   EXPECT_FALSE(house->priceHas("summer"));
   house->priceDelAll();
   EXPECT_TRUE(house->price().empty());
+}
+
+TEST_F(Accessors, KeepACollectionOfValuesInTheOrderOfItsKeys) {
+  house->labelIs(7, "seven");
+  house->labelIs(2, "two");
+  house->labelIs(7, "Seven");
+  std::vector<std::pair<U16, String>> labels;
+  for (const House::HouseLabel& member : house->label()) {
+    labels.emplace_back(member.first, member.second);
+  }
+  EXPECT_EQ(labels, (std::vector<std::pair<U16, String>>{{2, "two"}, {7, "Seven"}}));
+  EXPECT_EQ(house->labelDel(2), "two");
+  EXPECT_EQ(house->label(2), std::nullopt);
 }
 
 TEST_F(Accessors, KeepEachMemberOfASetOnce) {
@@ -184,8 +197,8 @@ TEST_F(Accessors, KeepEachMemberOfASetOnce) {
   EXPECT_EQ(house->guest().size(), 2U);
   EXPECT_TRUE(house->guestHas("Bob"));
   EXPECT_FALSE(house->guestHas("Eve"));
-  house->guestDel("Eve");
-  house->guestDel("Ada");
+  EXPECT_EQ(house->guestDel("Eve"), std::nullopt);
+  EXPECT_EQ(house->guestDel("Ada"), "Ada");
   EXPECT_EQ(house->guest().size(), 1U);
   house->guestDelAll();
   EXPECT_TRUE(house->guest().empty());

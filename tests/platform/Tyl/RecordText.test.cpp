@@ -23,6 +23,7 @@ struct Toy {
   U8 size = 0;
   U64 weight = 0;
   Colour colour = Colour::green;
+  Verda::String label;
 
   bool operator==(const Toy&) const = default;
 };
@@ -33,6 +34,7 @@ void eachField(Record& record, ToyOrConst& toy) {
   record.field("size", toy.size);
   record.field("weight", toy.weight);
   record.field("colour", toy.colour);
+  record.field("label", toy.label);
 }
 
 Verda::String written(const Toy& toy) {
@@ -49,12 +51,14 @@ Toy read(std::string_view text) {
   return toy;
 }
 
-constexpr Toy fullToy{true, 255, std::numeric_limits<U64>::max(), Colour::darkBlue};
+const Toy fullToy{true, 255, std::numeric_limits<U64>::max(), Colour::darkBlue,
+                  std::string_view("a \"b\" \\ \n\0\xFF", 11)};
 
 TEST(RecordText, WritesFieldsInOrder) {
-  EXPECT_EQ(written({}), "{isOn=false, size=0, weight=0, colour=green}");
+  EXPECT_EQ(written({}), "{isOn=false, size=0, weight=0, colour=green, label=\"\"}");
   EXPECT_EQ(written(fullToy),
-            "{isOn=true, size=255, weight=18446744073709551615, colour=darkBlue}");
+            "{isOn=true, size=255, weight=18446744073709551615, colour=darkBlue, "
+            R"(label="a \"b\" \\ \n\x00\xff"})");
 }
 
 TEST(RecordText, WritesARecordWithoutFields) {
@@ -62,7 +66,7 @@ TEST(RecordText, WritesARecordWithoutFields) {
 }
 
 TEST(RecordText, ReadsWhatItWrites) {
-  for (const Toy& toy : {Toy{}, fullToy, Toy{true, 7, 1, Colour::red}}) {
+  for (const Toy& toy : {Toy{}, fullToy, Toy{true, 7, 1, Colour::red, "x"}}) {
     const Verda::String text = written(toy);
     SCOPED_TRACE(text);
     EXPECT_EQ(read(text), toy);
@@ -75,8 +79,8 @@ TEST(RecordText, ReadsARecordWithoutFields) {
 }
 
 TEST(RecordText, ReadsAnySpacing) {
-  EXPECT_EQ(read(" {\tisOn = true ,size=7,\n weight=1, colour = red } "),
-            (Toy{true, 7, 1, Colour::red}));
+  EXPECT_EQ(read(" {\tisOn = true ,size=7,\n weight=1, colour = red, label = \"x\" } "),
+            (Toy{true, 7, 1, Colour::red, "x"}));
 }
 
 TEST(RecordText, NamesTheFieldOfAFault) {
@@ -108,10 +112,22 @@ TEST(RecordText, NamesTheFieldOfAFault) {
                 "colour: Colour: \"pink\" is not an enumerator"},
            Case{"{isOn=true, size=0, weight=0, colour=}",
                 "colour: Colour: \"\" is not an enumerator"},
-           Case{"{isOn=true, size=0, weight=0, colour=red", "a record ends with }"},
-           Case{"{isOn=true, size=0, weight=0, colour=red,}", "a record ends with }"},
-           Case{"{isOn=true, size=0, weight=0, colour=red, more=1}", "a record ends with }"},
-           Case{"{isOn=true, size=0, weight=0, colour=red} more", "a record ends with }"},
+           Case{R"({isOn=true, size=0, weight=0, colour=red, label="")", "a record ends with }"},
+           Case{R"({isOn=true, size=0, weight=0, colour=red, label="",})", "a record ends with }"},
+           Case{R"({isOn=true, size=0, weight=0, colour=red, label="", more=1})",
+                "a record ends with }"},
+           Case{R"({isOn=true, size=0, weight=0, colour=red, label=""} more)",
+                "a record ends with }"},
+           Case{"{isOn=true, size=0, weight=0, colour=red, label=x}",
+                "label: no text between quotation marks"},
+           Case{R"({isOn=true, size=0, weight=0, colour=red, label="x\"})",
+                "label: no text between quotation marks"},
+           Case{R"({isOn=true, size=0, weight=0, colour=red, label="\q"})",
+                "label: an escape that means nothing"},
+           Case{R"({isOn=true, size=0, weight=0, colour=red, label="\x0"})",
+                "label: an escape that means nothing"},
+           Case{R"({isOn=true, size=0, weight=0, colour=red, label="\x-1"})",
+                "label: an escape that means nothing"},
        }) {
     SCOPED_TRACE(each.text);
     EXPECT_EQ(thrownText<Verda::RangeError>([&each] { read(each.text); }), each.fault);
