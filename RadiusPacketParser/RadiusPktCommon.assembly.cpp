@@ -10,7 +10,6 @@
 #include "Verda/Trace.h"
 #include "ZoCrypto/Cleanse.h"
 #include "Zonet/WireReader.h"
-#include "Zonet/WireWriter.h"
 
 #include "RadiusPacketParser/RadiusPacketConstants.h"
 #include "RadiusPacketParser/RadiusPktBuilder.h"
@@ -18,6 +17,7 @@
 
 namespace RadiusPktParserBase {
 
+using detail::ByteView;
 using RadiusPacketParser::AttributeConstants;
 using RadiusPacketParser::PacketConstants;
 using RadiusPacketParser::RadiusAttributeId;
@@ -31,8 +31,6 @@ using Verda::U32;
 using Verda::U8;
 
 namespace {
-
-using ByteView = std::span<const U8>;
 
 /// Writes attributes behind each other into a packet buffer of the largest packet's length. The
 /// packet's length so far is where the next attribute goes.
@@ -178,10 +176,8 @@ class OldAttributes {
     if (attribute.size() < VsaConstants::vendorAttrValueOffset()) {
       return ErrorMsg::invalidAttrLength;
     }
-    U32 vendorId = 0;
-    static_cast<void>(
-        Zonet::WireReader(attribute.subspan(VsaConstants::vendorIdOffset())).read(vendorId));
-    const Attribute key = vendorAttribute(vendorId, attribute[VsaConstants::vendorTypeOffset()]);
+    const Attribute key = vendorAttribute(detail::vendorIdOf(attribute.data()),
+                                          attribute[VsaConstants::vendorTypeOffset()]);
     if (const AttrWithValue* replacement = replacementOf(key)) {
       AttrInfo attrInfo;
       appender_.lookUp(key, attrInfo);
@@ -219,11 +215,6 @@ ErrorMsg appendValues(const AttrWithValue& attribute, AttributeAppender& appende
     }
   }
   return ErrorMsg::success;
-}
-
-void writeLength(U16 length, U8* pkt) {
-  const std::span<U8> field(pkt + PacketConstants::lengthOffset(), sizeof(length));
-  static_cast<void>(Zonet::WireWriter(field).write(length));
 }
 
 /// The fields in front of the length, and as many of the authenticator's bytes as there are.
@@ -320,7 +311,7 @@ Ptr<PktReturn> buildPkt(const Ptr<Zonet::Pkt>& pkt, const String& secret, const 
   if (fault == ErrorMsg::success) {
     header->lengthIs(length);
     buffer->tailCut(U32{PacketConstants::maxLength()} - length);
-    writeLength(length, newPkt);
+    detail::writeLength(length, newPkt);
     fault = sign(newPkt, msgAuthPos, secret, reqAuth, header);
   }
   if (fault != ErrorMsg::success) {

@@ -3,21 +3,23 @@
 #include <algorithm>
 #include <array>
 #include <functional>
-#include <initializer_list>
+#include <optional>
 #include <string_view>
 
 #include "Verda/Assert.h"
 #include "Verda/Trace.h"
 #include "ZoCrypto/Cleanse.h"
-#include "ZoCrypto/HmacMd5.h"
-#include "ZoCrypto/MessageDigest.h"
-#include "Zonet/WireReader.h"
+#include "Zonet/WireWriter.h"
 
 #include "RadiusPacketParser/RadiusPacketConstants.h"
 #include "RadiusPacketParser/RadiusPktCommon.detail.h"
 
 namespace RadiusPktParserBase {
 
+using detail::ByteView;
+using detail::Digest;
+using detail::MsgAuthCover;
+using detail::zeroAuthenticator;
 using RadiusPacketParser::AttributeConstants;
 using RadiusPacketParser::PacketConstants;
 using RadiusPacketParser::RadiusAttributeId;
@@ -33,16 +35,6 @@ using Verda::U8;
 
 namespace {
 
-using ByteView = std::span<const U8>;
-using Digest = std::array<U8, PacketConstants::authLength()>;
-
-constexpr Digest zeroAuthenticator{};
-
-/// The part of a shared secret that counts.
-ByteView secretBytes(const String& secret) {
-  return secret.bytes().first(secret.viewToNul().size());
-}
-
 /// Whether an authenticator gives all the bytes that one has; traces when it does not.
 bool isWholeAuthenticator(ByteView authenticator, std::string_view function) {
   const auto copied =
@@ -56,31 +48,14 @@ bool isWholeAuthenticator(ByteView authenticator, std::string_view function) {
   return true;
 }
 
-/// The MD5 of several parts as if they stood one behind the other: nothing is put together first.
-ErrorMsg md5Of(std::initializer_list<ByteView> parts, U8* digest) {
-  ZoCrypto::MdContext context;
-  ZoCrypto::md_init(context, ZoCrypto::md_find("md5"));
-  for (const ByteView part : parts) {
-    ZoCrypto::md_update(context, part.data(), part.size());
-  }
-  U32 digestLength = 0;
-  ZoCrypto::md_final(context, digest, &digestLength);
+/// What a digest's length says of it; traces when it is wrong.
+ErrorMsg md5Outcome(U32 digestLength) {
   if (digestLength != PacketConstants::authLength()) {
-    // The context is left unreleased on purpose: a failed digest has nothing to release.
     VERDA_TRACE_AS(codecTrace, Verda::traceErrors, "", "md5Calculator",
                    "MD5 digest of incorrect length: {}", digestLength);
     return ErrorMsg::md5GenerationFailed;
   }
-  ZoCrypto::md_cleanup(context);
   return ErrorMsg::success;
-}
-
-/// The MD5 over a packet with another authenticator in place, and the secret.
-/// @param packet  at least a header
-ErrorMsg packetDigest(ByteView packet, ByteView authenticator, const String& secret, U8* digest) {
-  return md5Of({packet.first(PacketConstants::authenticatorOffset()), authenticator,
-                packet.subspan(PacketConstants::headerLength()), secretBytes(secret)},
-               digest);
 }
 
 /// Puts a digest into packet and header as their authenticator.
@@ -140,32 +115,41 @@ ErrorMsg transformUnit(U8* unit, const String& secret, const Bytes& reqAuth, con
 
 }  // namespace
 
-detail::HeaderFault detail::readHeader(ByteView pkt, RadiusHdr& hdr) {
-  Zonet::WireReader reader(pkt);
-  U8 code = 0;
-  U8 id = 0;
-  U16 length = 0;
-  ByteView authenticator;
-  if (!reader.read(code) || !reader.read(id) || !reader.read(length) ||
-      !reader.read(PacketConstants::authLength(), authenticator)) {
-    return HeaderFault::tooShort;
-  }
-  hdr.codeIs(code);
-  hdr.idIs(id);
-  hdr.lengthIs(length);
-  hdr.authenticatorIs(String(authenticator));
-  if (length < PacketConstants::headerLength() || length > PacketConstants::maxLength()) {
-    return HeaderFault::lengthOutOfRange;
-  }
-  return length > pkt.size() ? HeaderFault::cut : HeaderFault::none;
-}
-
 bool detail::hasRandomAuthenticator(U8 code) {
   return code == RadiusCode::ACCESS_REQUEST || code == RadiusCode::STATUS_SERVER;
 }
 
 void detail::copyAuthenticator(ByteView from, U8* to) {
   std::copy_n(from.data(), std::min<std::size_t>(from.size(), PacketConstants::authLength()), to);
+}
+
+void detail::writeLength(U16 length, U8* pkt) {
+  const std::span<U8> field(pkt + PacketConstants::lengthOffset(), sizeof(length));
+  static_cast<void>(Zonet::WireWriter(field).write(length));
+}
+
+detail::MsgAuthCover detail::msgAuthCoverOf(U8 code) {
+  switch (code) {
+    case RadiusCode::ACCOUNTING_REQUEST:
+    case RadiusCode::ACCOUNTING_RESPONSE:
+      return MsgAuthCover::nothing;
+    case RadiusCode::ACCESS_REQUEST:
+    case RadiusCode::STATUS_SERVER:
+      return MsgAuthCover::asItStands;
+    case RadiusCode::DISCONNECT_REQUEST:
+    case RadiusCode::COA_REQUEST:
+      return MsgAuthCover::zeros;
+    case RadiusCode::ACCESS_ACCEPT:
+    case RadiusCode::ACCESS_REJECT:
+    case RadiusCode::ACCESS_CHALLENGE:
+    case RadiusCode::DISCONNECT_ACK:
+    case RadiusCode::DISCONNECT_NAK:
+    case RadiusCode::COA_ACK:
+    case RadiusCode::COA_NAK:
+      return MsgAuthCover::requestAuthenticator;
+    default:
+      return MsgAuthCover::unsupported;
+  }
 }
 
 bool canAnswer(U8 response, U8 request) {
@@ -216,7 +200,7 @@ AttrInfo getAttrInfo(Attribute attribute, const Ptr<const RadiusDict>& dict) {
 
 ErrorMsg md5Calculator(const U8* data, U32 len, U8* digest) {
   VERDA_TRACE(codecTrace, Verda::traceEntries, "", "entry");
-  return md5Of({ByteView(data, len)}, digest);
+  return md5Outcome(detail::md5({ByteView(data, len)}, digest));
 }
 
 ErrorMsg calculateMessageAuthenticator(const String& secret, U8* savedValue, U8* digest,
@@ -224,14 +208,9 @@ ErrorMsg calculateMessageAuthenticator(const String& secret, U8* savedValue, U8*
   VERDA_TRACE(codecTrace, Verda::traceEntries, "", "entry");
   U8* const value = msgAuthAttr + AttributeConstants::valueOffset();
   constexpr U32 length = AttributeConstants::msgAuthLength();
-  if (savedValue != nullptr) {
-    std::copy_n(value, length, savedValue);
-  }
-  std::fill_n(value, length, U8{0});
-  U32 digestLength = 0;
-  const bool computed = ZoCrypto::hmacMd5(secretBytes(secret), ByteView(pktData, pktLen),
-                                          std::span<U8, length>(digest, length), digestLength);
-  if (!computed || digestLength != length) {
+  const U32 digestLength =
+      detail::messageAuthenticator(secret, ByteView(pktData, pktLen), value, savedValue, digest);
+  if (digestLength != length) {
     VERDA_TRACE(codecTrace, Verda::traceErrors, "", "MD5 generation failed, digestLen: {}",
                 digestLength);
     return ErrorMsg::md5GenerationFailed;
@@ -249,8 +228,8 @@ ErrorMsg setRequestAuthenticator(const String& secret, U8* pktData, const Ptr<Ra
   }
   VERDA_ASSERT(hdr->length() >= PacketConstants::headerLength());
   Digest digest;
-  const ErrorMsg result =
-      packetDigest(ByteView(pktData, hdr->length()), zeroAuthenticator, secret, digest.data());
+  const ErrorMsg result = md5Outcome(detail::packetDigest(
+      ByteView(pktData, hdr->length()), zeroAuthenticator, secret, digest.data()));
   if (result == ErrorMsg::success) {
     setAuthenticator(digest, pktData, *hdr);
   }
@@ -264,8 +243,8 @@ ErrorMsg setResponseAuthenticator(const String& secret, const Bytes& reqAuth, U8
   U8* const authenticator = pktData + PacketConstants::authenticatorOffset();
   detail::copyAuthenticator(reqAuth.span(), authenticator);
   Digest digest;
-  const ErrorMsg result =
-      md5Of({ByteView(pktData, hdr->length()), secretBytes(secret)}, digest.data());
+  const ErrorMsg result = md5Outcome(
+      detail::md5({ByteView(pktData, hdr->length()), detail::secretBytes(secret)}, digest.data()));
   if (result == ErrorMsg::success) {
     setAuthenticator(digest, pktData, *hdr);
   }
@@ -288,8 +267,8 @@ ErrorMsg validateAuthenticator(const Ptr<Zonet::Pkt>& pkt, const Ptr<RadiusHdr>&
                                      ? ByteView(zeroAuthenticator)
                                      : reqAuth.span().first(PacketConstants::authLength());
   Digest digest;
-  const ErrorMsg result = packetDigest(std::as_const(*pkt).span().first(hdr->length()),
-                                       authenticator, secret, digest.data());
+  const ErrorMsg result = md5Outcome(detail::packetDigest(
+      std::as_const(*pkt).span().first(hdr->length()), authenticator, secret, digest.data()));
   if (result != ErrorMsg::success) {
     return result;
   }
@@ -349,32 +328,24 @@ ErrorMsg compareMessageAuthenticator(Zonet::Pkt& pkt, const RadiusHdr& hdr, cons
 ErrorMsg validateMessageAuthenticator(const Ptr<Zonet::Pkt>& pkt, const Ptr<RadiusHdr>& hdr,
                                       const String& secret, const Bytes& reqAuth, U8* msgAuthAttr) {
   VERDA_TRACE(codecTrace, Verda::traceEntries, "", "entry");
-  switch (hdr->code()) {
-    case RadiusCode::ACCOUNTING_REQUEST:
-    case RadiusCode::ACCOUNTING_RESPONSE:
+  const MsgAuthCover cover = detail::msgAuthCoverOf(hdr->code());
+  switch (cover) {
+    case MsgAuthCover::nothing:
       return ErrorMsg::success;
-    case RadiusCode::ACCESS_ACCEPT:
-    case RadiusCode::ACCESS_REJECT:
-    case RadiusCode::ACCESS_CHALLENGE:
-    case RadiusCode::DISCONNECT_ACK:
-    case RadiusCode::DISCONNECT_NAK:
-    case RadiusCode::COA_ACK:
-    case RadiusCode::COA_NAK:
+    case MsgAuthCover::requestAuthenticator:
       VERDA_ASSERT_TEXT(!reqAuth.empty(), "Request authenticator found NULL for response packet");
       break;
-    case RadiusCode::ACCESS_REQUEST:
-    case RadiusCode::STATUS_SERVER:
-    case RadiusCode::DISCONNECT_REQUEST:
-    case RadiusCode::COA_REQUEST:
+    case MsgAuthCover::asItStands:
+    case MsgAuthCover::zeros:
       VERDA_ASSERT_TEXT(reqAuth.empty(), "Request authenticator found not NULL for request packet");
       break;
-    default:
+    case MsgAuthCover::unsupported:
       return ErrorMsg::unsupportedPktType;
   }
   if (!holdsPacket(pkt, *hdr) || !liesInPacket(msgAuthAttr, pkt->data(), hdr->length())) {
     return ErrorMsg::invalidMsgAuth;
   }
-  if (detail::hasRandomAuthenticator(hdr->code())) {
+  if (cover == MsgAuthCover::asItStands) {
     return compareMessageAuthenticator(*pkt, *hdr, secret, msgAuthAttr, false);
   }
   if (!reqAuth.empty() && !isWholeAuthenticator(reqAuth.span(), __func__)) {
@@ -390,39 +361,16 @@ ErrorMsg validateMessageAuthenticator(const Ptr<Zonet::Pkt>& pkt, const Ptr<Radi
 ErrorMsg encryptHelper(U8* data, U32 len, const String& secret, const Bytes& authenticator,
                        U8 encryptionType, bool isTagged, bool encrypt) {
   VERDA_TRACE(codecTrace, Verda::traceEntries, "", "entry");
-  const U32 tagLength = isTagged ? 1 : 0;
-  const U32 saltLength = encryptionType == saltedMethod ? AttributeConstants::saltLength() : 0;
-  if (len < tagLength + saltLength) {
+  const std::optional<detail::HiddenParts> parts =
+      detail::hiddenPartsOf({data, len}, encryptionType, isTagged);
+  if (!parts) {
     return ErrorMsg::success;
   }
-  const ByteView salt(data + tagLength, saltLength);
-  std::span<U8> rest = std::span<U8>(data, len).subspan(tagLength + saltLength);
   if (!isWholeAuthenticator(authenticator.span(), __func__)) {
     return ErrorMsg::invalidBytesCopied;
   }
-  const ByteView sharedSecret = secretBytes(secret);
-  Digest keystream;
-  const ZoCrypto::CleanseOnExit cleanKeystream(keystream);
-  ErrorMsg result =
-      md5Of({sharedSecret, authenticator.span().first(PacketConstants::authLength()), salt},
-            keystream.data());
-  while (result == ErrorMsg::success && !rest.empty()) {
-    const std::span<U8> block =
-        rest.first(std::min<std::size_t>(rest.size(), AttributeConstants::passwdWordSize()));
-    Digest hidden{};  // a short last block counts as filled up with zeros
-    if (!encrypt) {
-      std::ranges::copy(block, hidden.begin());
-    }
-    std::ranges::transform(block, keystream, block.begin(), std::bit_xor<>());
-    if (encrypt) {
-      std::ranges::copy(block, hidden.begin());
-    }
-    rest = rest.subspan(block.size());
-    if (!rest.empty()) {
-      result = md5Of({sharedSecret, hidden}, keystream.data());
-    }
-  }
-  return result;
+  return md5Outcome(detail::applyKeystream(
+      *parts, authenticator.span().first(PacketConstants::authLength()), secret, encrypt));
 }
 
 ErrorMsg detail::hideValue(const Attribute& attribute, U8* attr, const String& secret,

@@ -15,6 +15,7 @@
 
 namespace RadiusPktParserBase {
 
+using detail::ByteView;
 using RadiusPacketParser::AttributeConstants;
 using RadiusPacketParser::PacketConstants;
 using RadiusPacketParser::RadiusAttributeId;
@@ -30,8 +31,6 @@ using Verda::U8;
 using Zonet::IpGenPrefix;
 
 namespace {
-
-using ByteView = std::span<const U8>;
 
 /// The encoder in whose name a value is written.
 enum class Encoder : U8 { text, octets, number, ipv4, ipv6, ipv6Prefix, ifid };
@@ -71,16 +70,13 @@ bool fitsPacket(U16 curLen, std::size_t length) {
 /// of a vendor's starts with is left alone, but for its Length, which counts modulo 256, on
 /// purpose: only the sub-attribute is held to the longest length.
 std::span<U8> writeTypeAndLength(Target target, std::size_t valueLength) {
-  const auto length = static_cast<U8>(valueLength + AttributeConstants::valueOffset());
   U8* unit = target.buf;
   if (target.isVsa) {
     unit[AttributeConstants::lengthOffset()] =
         static_cast<U8>(valueLength + VsaConstants::vendorAttrValueOffset());
     unit += VsaConstants::vendorTypeOffset();
   }
-  unit[AttributeConstants::typeOffset()] = target.attrId;
-  unit[AttributeConstants::lengthOffset()] = length;
-  return {unit + AttributeConstants::valueOffset(), valueLength};
+  return detail::beginUnit(unit, target.attrId, valueLength);
 }
 
 /// Writes what stands in front of a value of that length, and gives the place of the value; or says
@@ -204,15 +200,10 @@ ErrorMsg writeMatchingNumber(Target target, const AttrValue& value, const AttrIn
 #define TRACE_STANDARD(format, ...) \
   VERDA_TRACE_AS(codecTrace, Verda::traceErrors, "", "addAttribute", format, __VA_ARGS__)
 
-/// A User-Password's text is cut at the longest length and filled up with zeros to whole blocks
-/// (RFC 2865 section 5.2).
 ErrorMsg writePassword(Target target, ByteView text) {
-  constexpr std::size_t block = AttributeConstants::passwdWordSize();
-  std::array<U8, AttributeConstants::maxPasswdSize()> padded{};
+  detail::PaddedPassword padded;
   const ZoCrypto::CleanseOnExit clean(padded);
-  const std::size_t length = std::min(text.size(), padded.size());
-  std::ranges::copy(text.first(length), padded.begin());
-  return writeText(target, ByteView(padded).first((length + block - 1) / block * block), 0, false);
+  return writeText(target, detail::padPassword(text, padded), 0, false);
 }
 
 /// The messages are worded the wrong way round, and kept so.
@@ -378,13 +369,6 @@ ErrorMsg addSubAttribute(const AttrValue& value, const Attribute& attribute,
   }
 }
 
-/// Writes Type and Vendor-Id of a Vendor-Specific attribute.
-void writeVendor(U32 vendorId, U8* buf) {
-  buf[AttributeConstants::typeOffset()] = RadiusAttributeId::VENDOR_SPECIFIC;
-  const std::span<U8> id(buf + VsaConstants::vendorIdOffset(), VsaConstants::vendorIdLength());
-  static_cast<void>(Zonet::WireWriter(id).write(vendorId));
-}
-
 }  // namespace
 
 ErrorMsg addStrTypes(U8* buf, U8 attrId, const String& str, U8 tag, AttrInfo attrInfo, bool isVsa,
@@ -422,6 +406,12 @@ ErrorMsg addIpv6PrefixTypes(U8* buf, U8 attrId, const IpGenPrefix& prefix, U16 c
 ErrorMsg addIfidTypes(U8* buf, U8 attrId, const IpGenPrefix& prefix, U16 curLen) {
   return writeAddress({Encoder::ifid, attrId, false, curLen, buf}, Zonet::IpFamily::ip6, {}, prefix,
                       AttributeConstants::ipv6InterfaceLength());
+}
+
+void detail::writeVendor(U32 vendorId, U8* attr) {
+  attr[AttributeConstants::typeOffset()] = RadiusAttributeId::VENDOR_SPECIFIC;
+  const std::span<U8> id(attr + VsaConstants::vendorIdOffset(), VsaConstants::vendorIdLength());
+  static_cast<void>(Zonet::WireWriter(id).write(vendorId));
 }
 
 bool detail::isWrittenAsNothing(const AttrValue& value, const AttrInfo& attrInfo, bool isVsa) {
@@ -495,7 +485,7 @@ ErrorMsg detail::addVsa(const AttrValue& value, const Attribute& attribute,
     fault = ErrorMsg::maxPktLengthExceeded;
   }
   if (fault == ErrorMsg::success) {
-    writeVendor(attribute.vendorId, buf);
+    detail::writeVendor(attribute.vendorId, buf);
   }
   return fault;
 }
