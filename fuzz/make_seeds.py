@@ -2,7 +2,8 @@
 """Writes the seeds that come from elsewhere in the project: golden packets and the dictionary set.
 
 A seed of fuzz_packet is what the target reads: a byte of choices, the secret's length, the secret,
-the packet. A seed of fuzz_dictionary is a dictionary file as it is.
+the packet; a seed of fuzz_legacy the secret's length, the secret, a byte of choices, the length of
+the operations in two bytes, the operations, the packet. A seed of fuzz_dictionary is a dictionary file as it is.
 """
 
 import pathlib
@@ -11,6 +12,13 @@ import re
 HERE = pathlib.Path(__file__).parent
 GOLDEN = HERE.parent / "tests" / "data" / "packets"
 DICTIONARIES = HERE.parent / "dictionaries"
+# What to read, set, add and remove, then each way to look at the packet, change it and edit it.
+REQUESTS = b"".join(bytes([4, kind, kind % 5, 0, kind]) for kind in range(1, 12))
+LOOKS = b"".join(bytes([2, look]) for look in range(8))
+CHANGES = b"".join(bytes([1, change]) for change in range(6))
+EDITS = b"".join(bytes([2, edit]) for edit in (6, 7, 15))
+STEPS = REQUESTS + LOOKS + CHANGES + EDITS + LOOKS
+OPERATIONS = len(STEPS).to_bytes(2, "big") + STEPS
 SIGNED = 1  # the target signs the packet anew, so that every seed reaches the walk
 
 
@@ -21,6 +29,8 @@ def write_packet_seeds():
         packet = bytes.fromhex(re.sub(r"#.*", "", text))
         seed = bytes([SIGNED, len(secret)]) + secret + packet
         (HERE / "fuzz_packet.corpus" / source.stem).write_bytes(seed)
+        legacy = bytes([len(secret)]) + secret + bytes([0]) + OPERATIONS + packet
+        (HERE / "fuzz_legacy.corpus" / source.stem).write_bytes(legacy)
 
 
 def write_dictionary_seeds():
