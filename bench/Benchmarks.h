@@ -12,7 +12,7 @@ using Dictionary = Verda::Ptr<const RadiusPacketParser::RadiusDict>;
 Dictionary ownDictionary();
 
 // Each registers the benchmarks of one operation, named "operation/who/what"; who is "ours",
-// "floor" (what nobody can do without) or "peer".
+// "floor" (what nobody can do without) or "peer"; of the legacy interface, "legacy" or "newer".
 
 /// Verifying and decoding a packet.
 void registerParse(const Dictionary& dictionary);
@@ -22,6 +22,8 @@ void registerBuild(const Dictionary& dictionary);
 void registerWalk(const Dictionary& dictionary);
 /// Verifying and decoding on one parser, by one thread and by two.
 void registerThreads(const Dictionary& dictionary);
+/// Reading and changing a packet by the legacy interface and by the newer one.
+void registerLegacy(const Dictionary& dictionary);
 /// The ways to compute a Message-Authenticator.
 void registerHmac();
 /// Loading a dictionary.

@@ -17,6 +17,7 @@ int main(int argc, char** argv) {
   Bench::registerBuild(dictionary);
   Bench::registerWalk(dictionary);
   Bench::registerThreads(dictionary);
+  Bench::registerLegacy(dictionary);
   Bench::registerHmac();
   Bench::registerDictionaryLoad();
   benchmark::RunSpecifiedBenchmarks();

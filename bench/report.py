@@ -81,6 +81,19 @@ def show_hmac(results):
         table(["what", "one-shot ns", "kept context ns", "one-shot's share of parse"], rows)
 
 
+def show_legacy(results):
+    rows = []
+    for (name, who, what), legacy in sorted(results.items()):
+        if who == "legacy":
+            newer = results[(name, "newer", what)]
+            rows.append([f"{name} {what}", f"{nanoseconds(legacy):,.0f}",
+                         f"{nanoseconds(newer):,.0f}", ratio(legacy, newer),
+                         f"{legacy['allocations']:.0f}", f"{newer['allocations']:.0f}"])
+    if rows:
+        print("the legacy interface\n")
+        table(["what", "legacy ns", "newer ns", "legacy/newer", "allocations", "newer's"], rows)
+
+
 def show_threads(results):
     rows = []
     for (name, who, what), two in sorted(results.items()):
@@ -102,6 +115,7 @@ def main():
     show_walk(results)
     show_hmac(results)
     show_threads(results)
+    show_legacy(results)
 
 
 if __name__ == "__main__":
