@@ -191,22 +191,6 @@ class SanityCheck {
   bool hasEapMessage_ = false;
 };
 
-/// Whether a Status-Server request must not carry an attribute of that type.
-bool isForbiddenInStatusServer(U8 type) {
-  switch (type) {
-    case RadiusAttributeId::USER_NAME:
-    case RadiusAttributeId::USER_PASSWORD:
-    case RadiusAttributeId::CHAP_PASSWORD:
-    case RadiusAttributeId::ACCT_STATUS_TYPE:
-    case RadiusAttributeId::ACCT_INPUT_OCTETS:
-    case RadiusAttributeId::ACCT_SESSION_ID:
-    case RadiusAttributeId::EAP_MESSAGE:
-      return true;
-    default:
-      return false;
-  }
-}
-
 }  // namespace
 
 Attribute::Attribute(const String& text) {
@@ -307,7 +291,7 @@ bool RadiusPacketParserBase::validateStatusServerPkt() {
   }
   TrustedPacket packet(*pkt(), header_->length());
   for (AttributeWalk walk(packet); walk.atAttribute();) {
-    if (isForbiddenInStatusServer(walk.type()) || !walk.advance()) {
+    if (Shared::isForbiddenInStatusServer(walk.type()) || !walk.advance()) {
       return false;
     }
   }

@@ -152,6 +152,21 @@ detail::MsgAuthCover detail::msgAuthCoverOf(U8 code) {
   }
 }
 
+bool detail::isForbiddenInStatusServer(U8 type) {
+  switch (type) {
+    case RadiusAttributeId::USER_NAME:
+    case RadiusAttributeId::USER_PASSWORD:
+    case RadiusAttributeId::CHAP_PASSWORD:
+    case RadiusAttributeId::ACCT_STATUS_TYPE:
+    case RadiusAttributeId::ACCT_INPUT_OCTETS:
+    case RadiusAttributeId::ACCT_SESSION_ID:
+    case RadiusAttributeId::EAP_MESSAGE:
+      return true;
+    default:
+      return false;
+  }
+}
+
 bool canAnswer(U8 response, U8 request) {
   switch (request) {
     case RadiusCode::ACCESS_REQUEST:

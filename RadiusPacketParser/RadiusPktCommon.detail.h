@@ -126,6 +126,10 @@ ByteView padPassword(ByteView text, PaddedPassword& padded);
 
 // ---- One attribute ----
 
+/// Whether a Status-Server packet must not carry a standard attribute of that type: it asks for
+/// neither authentication nor accounting (RFC 5997 section 3).
+bool isForbiddenInStatusServer(Verda::U8 type);
+
 /// The Vendor-Id of the Vendor-Specific attribute at `attr`.
 inline Verda::U32 vendorIdOf(const Verda::U8* attr) {
   using RadiusPacketParser::VsaConstants;

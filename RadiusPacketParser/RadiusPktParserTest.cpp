@@ -3,6 +3,7 @@
 #include "Verda/Trace.h"
 
 #include "RadiusPacketParser/RadiusPacketConstants.h"
+#include "RadiusPacketParser/RadiusPktCommon.detail.h"
 
 namespace RadiusPktParserTest {
 
@@ -38,23 +39,12 @@ void StatusServerPktParser::doProcessAttribute(const Attribute& attr,
   if (sink.errorMsg() == StatusServerErrorMsg::invalidAttributePresent) {
     return;
   }
-  switch (attr.attrId) {
-    case RadiusAttributeId::USER_NAME:
-    case RadiusAttributeId::USER_PASSWORD:
-    case RadiusAttributeId::CHAP_PASSWORD:
-    case RadiusAttributeId::ACCT_STATUS_TYPE:
-    case RadiusAttributeId::ACCT_INPUT_OCTETS:
-    case RadiusAttributeId::ACCT_SESSION_ID:
-    case RadiusAttributeId::EAP_MESSAGE:
-      judge(sink, StatusServerErrorMsg::invalidAttributePresent);
-      break;
-    case RadiusAttributeId::MESSAGE_AUTHENTICATOR:
-      judge(sink, StatusServerErrorMsg::success);
-      break;
-    default:
-      if (!sink.msgAuthPresent()) {
-        judge(sink, StatusServerErrorMsg::msgAuthNotPresent);
-      }
+  if (RadiusPktParserBase::detail::isForbiddenInStatusServer(attr.attrId)) {
+    judge(sink, StatusServerErrorMsg::invalidAttributePresent);
+  } else if (attr.attrId == RadiusAttributeId::MESSAGE_AUTHENTICATOR) {
+    judge(sink, StatusServerErrorMsg::success);
+  } else if (!sink.msgAuthPresent()) {
+    judge(sink, StatusServerErrorMsg::msgAuthNotPresent);
   }
 }
 
