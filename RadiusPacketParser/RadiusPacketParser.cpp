@@ -76,8 +76,11 @@ void readText(const String& text, Value& value) {
 /// The basic check of a packet: says what is wrong, or an empty text, and what it met on the way.
 class SanityCheck {
  public:
-  SanityCheck(TrustedPacket packet, const RadiusDict& dictionary)
-      : packet_(packet), dictionary_(dictionary) {}
+  /// `hasMessageAuthenticator` is what an earlier check found.
+  SanityCheck(TrustedPacket packet, const RadiusDict& dictionary, bool hasMessageAuthenticator)
+      : packet_(packet),
+        dictionary_(dictionary),
+        hasMessageAuthenticator_(hasMessageAuthenticator) {}
 
   std::string_view run() {
     const U16 length = packet_.length();
@@ -187,7 +190,7 @@ class SanityCheck {
 
   TrustedPacket packet_;
   const RadiusDict& dictionary_;
-  bool hasMessageAuthenticator_ = false;
+  bool hasMessageAuthenticator_;
   bool hasEapMessage_ = false;
 };
 
@@ -254,11 +257,9 @@ void RadiusPacketParserBase::setHeader() {
 }
 
 void RadiusPacketParserBase::doBasicPacketSanityCheck() {
-  SanityCheck check(TrustedPacket(*pkt(), header_->length()), *dictionary());
+  SanityCheck check(TrustedPacket(*pkt(), header_->length()), *dictionary(), msgAuthPresent());
   const std::string_view fault = check.run();
-  if (check.hasMessageAuthenticator()) {
-    msgAuthPresentIs(true);
-  }
+  msgAuthPresentIs(check.hasMessageAuthenticator());
   if (!fault.empty()) {
     VERDA_TRACE(legacyTrace, Verda::traceErrors, parserClass, "{}", fault);
     badPktIs(true);
