@@ -94,4 +94,85 @@ TEST(Pkt, SaysItsType) {
   EXPECT_EQ(pktBufferFactory(0U)->typeData().name, "PktBuffer");
 }
 
+// ---- What may be read and written behind the bytes that count ----
+
+/// All bytes that may be read.
+std::vector<U8> reachOf(const PktBuffer& buffer) {
+  return {buffer.data(), buffer.data() + buffer.reach()};
+}
+
+TEST(PktBufferReach, IsTheBytesOfANewBuffer) {
+  EXPECT_EQ(pktBufferFactory(7U)->reach(), 7U);
+  EXPECT_EQ(pktBufferFactory(0U)->reach(), 0U);
+  EXPECT_EQ(reachOf(*pktBufferFactory(std::span<const U8>(content))),
+            (std::vector<U8>{1, 2, 3, 4, 5}));
+}
+
+TEST(PktBufferReach, PutsZerosBehindTheBytesWithoutCountingThem) {
+  const Ptr<PktBuffer> buffer = pktBufferFactory(std::span<const U8>(content));
+  buffer->reachIs(8);
+  EXPECT_EQ(reachOf(*buffer), (std::vector<U8>{1, 2, 3, 4, 5, 0, 0, 0}));
+  EXPECT_EQ(buffer->bytes(), 5U);
+  EXPECT_EQ(pktFactory(buffer)->bytes(), 5U);
+}
+
+TEST(PktBufferReach, IsNeverMadeShorter) {
+  const Ptr<PktBuffer> buffer = pktBufferFactory(std::span<const U8>(content));
+  const U8* const block = buffer->data();
+  for (const Zonet::U32 bytes : {0U, 4U, 5U}) {
+    buffer->reachIs(bytes);
+    EXPECT_EQ(reachOf(*buffer), (std::vector<U8>{1, 2, 3, 4, 5}));
+  }
+  EXPECT_EQ(buffer->data(), block);
+}
+
+TEST(PktBufferReach, KeepsWhatWasWrittenWhenItGrowsAgain) {
+  const Ptr<PktBuffer> buffer = pktBufferFactory(std::span<const U8>(content));
+  buffer->reachIs(7);
+  buffer->data()[0] = 9;
+  buffer->data()[6] = 8;
+  buffer->reachIs(9);
+  EXPECT_EQ(reachOf(*buffer), (std::vector<U8>{9, 2, 3, 4, 5, 0, 8, 0, 0}));
+  EXPECT_EQ(buffer->bytes(), 5U);
+}
+
+TEST(PktBufferReach, GrowsFromNothing) {
+  const Ptr<PktBuffer> buffer = pktBufferFactory(0U);
+  buffer->reachIs(2);
+  EXPECT_EQ(reachOf(*buffer), (std::vector<U8>{0, 0}));
+  EXPECT_EQ(buffer->bytes(), 0U);
+}
+
+TEST(PktBufferReach, EndsWithTheBytesAfterACut) {
+  const Ptr<PktBuffer> buffer = pktBufferFactory(std::span<const U8>(content));
+  buffer->reachIs(9);
+  buffer->tailCut(0);
+  EXPECT_EQ(buffer->reach(), 5U);
+  buffer->tailCut(2);
+  EXPECT_EQ(reachOf(*buffer), (std::vector<U8>{1, 2, 3}));
+  buffer->tailCut(9);
+  EXPECT_EQ(buffer->reach(), 0U);
+}
+
+TEST(PktBufferReach, ShowsZerosWhereBytesWereCut) {
+  const Ptr<PktBuffer> buffer = pktBufferFactory(std::span<const U8>(content));
+  const U8* const block = buffer->data();
+  buffer->tailCut(3);
+  buffer->reachIs(4);
+  EXPECT_EQ(reachOf(*buffer), (std::vector<U8>{1, 2, 0, 0}));
+  EXPECT_EQ(buffer->data(), block);
+  buffer->reachIs(6);
+  EXPECT_EQ(reachOf(*buffer), (std::vector<U8>{1, 2, 0, 0, 0, 0}));
+  EXPECT_EQ(buffer->bytes(), 2U);
+}
+
+TEST(PktBufferReach, ShowsZerosWhereItEndedBefore) {
+  const Ptr<PktBuffer> buffer = pktBufferFactory(std::span<const U8>(content));
+  buffer->reachIs(8);
+  buffer->data()[7] = 7;
+  buffer->tailCut(0);
+  buffer->reachIs(8);
+  EXPECT_EQ(reachOf(*buffer), (std::vector<U8>{1, 2, 3, 4, 5, 0, 0, 0}));
+}
+
 }  // namespace
