@@ -1,6 +1,5 @@
 #include <algorithm>
 #include <array>
-#include <numeric>
 #include <optional>
 #include <string>
 #include <vector>
@@ -19,6 +18,7 @@ using namespace RadiusPktParserBase;
 using TestSupport::ByteVector;
 using TestSupport::GoldenPacket;
 using TestSupport::goldenPackets;
+using TestSupport::otherValues;
 using TestSupport::PublishedPacket;
 using TestSupport::shippedDictionary;
 using TestSupport::Walked;
@@ -176,21 +176,6 @@ TEST(GoldenPackets, AreRefusedWhenCutShortWithTheirLengthUnlessNothingIsSigned) 
 }
 
 // ---- Changed in one byte ----
-
-/// Other values for a byte of a golden packet: all of them for one that is accepted; each bit
-/// turned and the values at the ends for one that is refused anyway.
-std::vector<U8> otherValues(const GoldenPacket& golden, U8 byte) {
-  std::vector<U8> values{0, 1, 2, 255};
-  for (unsigned int bit = 0; bit < 8; ++bit) {
-    values.push_back(static_cast<U8>(byte ^ (1U << bit)));
-  }
-  if (golden.isAccepted()) {
-    values.resize(256);
-    std::iota(values.begin(), values.end(), U8{0});
-  }
-  std::erase(values, byte);
-  return values;
-}
 
 TEST(GoldenPackets, AreRefusedWithOneByteChangedUnlessNoDigestCoversIt) {
   for (const GoldenPacket& golden : goldenPackets()) {

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <filesystem>
 #include <fstream>
+#include <numeric>
 #include <optional>
 #include <stdexcept>
 
@@ -76,6 +77,19 @@ std::vector<GoldenPacket> load() {
 const std::vector<GoldenPacket>& goldenPackets() {
   static const std::vector<GoldenPacket> packets = load();
   return packets;
+}
+
+std::vector<Verda::U8> otherValues(const GoldenPacket& golden, Verda::U8 byte) {
+  std::vector<Verda::U8> values{0, 1, 2, 255};
+  for (unsigned int bit = 0; bit < 8; ++bit) {
+    values.push_back(static_cast<Verda::U8>(byte ^ (1U << bit)));
+  }
+  if (golden.isAccepted()) {
+    values.resize(256);
+    std::iota(values.begin(), values.end(), Verda::U8{0});
+  }
+  std::erase(values, byte);
+  return values;
 }
 
 }  // namespace TestSupport

@@ -30,4 +30,8 @@ struct GoldenPacket {
 /// All golden packets by name. Throws when a file is not of the form.
 const std::vector<GoldenPacket>& goldenPackets();
 
+/// Other values for a byte of a golden packet: all of them for one that is accepted; each bit
+/// turned and the values at the ends for one that is refused anyway.
+std::vector<Verda::U8> otherValues(const GoldenPacket& golden, Verda::U8 byte);
+
 }  // namespace TestSupport
