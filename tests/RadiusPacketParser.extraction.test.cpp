@@ -790,6 +790,14 @@ TEST(LegacyExtraction, ReadsAVendorAttributeThatIsCutShortAsIfZerosFollowed) {
   EXPECT_EQ(trace.texts(), Texts{"Attribute length zero, exiting"});
 }
 
+TEST(LegacyExtraction, ReadsTheLongestVendorValueThatBeginsWithTheLastByteOfTheLength) {
+  ByteVector attribute = vendorBytes(vendor, RadiusAttributeType::string, {'a'});
+  attribute[7] = 1;
+  const ByteVector packet = withLength(PacketMaker(2).addRaw(attribute).make(), 21);
+  EXPECT_EQ(read(packet, ofVendor(RadiusAttributeType::string)),
+            Texts{"0=a" + std::string(valueOfLengthOne - 1, '\0')});
+}
+
 TEST(LegacyExtraction, ReadsZerosWhereTheLengthFieldGoesBehindTheBuffer) {
   const DictPtr dict = DictionaryMaker().add(0, RadiusAttributeType::string).make();
   const Attribute key(0, 0, 0);
