@@ -192,7 +192,7 @@ TEST(LegacyExtraction, GivesNoValuesOfAPacketThatIsTooShortForAHeader) {
 
 TEST(LegacyExtraction, GivesNoValuesWhenTheLengthFieldIsAtMostTwenty) {
   const ByteVector packet = PacketMaker(2).add(codeOf(RadiusAttributeType::string), {'a'}).make();
-  for (const std::size_t length : {0, 19, 20}) {
+  for (const std::size_t length : {0U, 19U, 20U}) {
     EXPECT_EQ(read(withLength(packet, length), standard(RadiusAttributeType::string)), Texts());
   }
 }
@@ -611,7 +611,7 @@ TEST(LegacyExtraction, GivesNoGroupsOfAPrefixOfNoneOrOneByte) {
 TEST(LegacyExtraction, GivesAnEmptyTextForAVendorsAddress) {
   for (const DataType type : addressTypes) {
     SCOPED_TRACE(stringValue(type));
-    for (const std::size_t size : {0, 1, 4, 16, 18}) {
+    for (const std::size_t size : {0U, 1U, 4U, 16U, 18U}) {
       EXPECT_EQ(readVendor(type, ByteVector(size, 1)), Texts{"0="});
     }
   }
@@ -801,7 +801,7 @@ TEST(LegacyExtraction, ReadsTheLongestVendorValueThatBeginsWithTheLastByteOfTheL
 TEST(LegacyExtraction, ReadsZerosWhereTheLengthFieldGoesBehindTheBuffer) {
   const DictPtr dict = DictionaryMaker().add(0, RadiusAttributeType::string).make();
   const Attribute key(0, 0, 0);
-  for (const std::size_t length : {21, 4096, 65535}) {
+  for (const std::size_t length : {21U, 4096U, 65535U}) {
     const CapturingSink trace;
     const LegacyPtr parser = readingOf(withLength(PacketMaker(2).make(), length), {key}, dict);
     EXPECT_EQ(valuesOf(*parser, key), Texts{"0=" + std::string(valueOfLengthZero, '\0')});

@@ -85,7 +85,7 @@ TEST(LegacyReadingDeathTest, EndsTheProcessWhenATaggedTextHasNoByte) {
 }
 
 TEST(LegacyReadingDeathTest, EndsTheProcessWhenANewPacketsAuthenticatorIsTooShort) {
-  for (const std::size_t size : {0, 1, 15}) {
+  for (const std::size_t size : {0U, 1U, 15U}) {
     SCOPED_TRACE(size);
     const Ptr<RadiusHdr> hdr = radiusHdrFactory();
     hdr->authenticatorIs(String(std::span<const U8>(countingBytes(size))));

@@ -134,8 +134,8 @@ TEST(LegacySetHeader, ReadsCodeIdentifierLengthAndAuthenticator) {
 }
 
 TEST(LegacySetHeader, DoesNotCompareTheLengthFieldWithTheBuffer) {
-  for (const std::size_t length : {0, 19, 20, 21, 4096, 4097, 65535}) {
-    for (const std::size_t size : {20, 21, 5000}) {
+  for (const std::size_t length : {0U, 19U, 20U, 21U, 4096U, 4097U, 65535U}) {
+    for (const std::size_t size : {20U, 21U, 5000U}) {
       SCOPED_TRACE(testing::Message() << length << " in " << size << " bytes");
       const CapturingSink trace;
       const LegacyPtr parser = uncheckedParser(withLength(ByteVector(size), length), dictionary());
@@ -215,8 +215,8 @@ TEST(LegacySanityCheck, LooksAtNothingWhenTheLengthIsTwenty) {
 }
 
 TEST(LegacySanityCheck, RefusesALengthFieldUnder20OrOver4096) {
-  for (const std::size_t length : {0, 1, 19, 4097, 5000, 65535}) {
-    for (const std::size_t size : {20, 21, 4097, 6000}) {
+  for (const std::size_t length : {0U, 1U, 19U, 4097U, 5000U, 65535U}) {
+    for (const std::size_t size : {20U, 21U, 4097U, 6000U}) {
       SCOPED_TRACE(testing::Message() << length << " in " << size << " bytes");
       expectBad(withLength(ByteVector(size), length), headerLengthFault);
     }
@@ -225,7 +225,7 @@ TEST(LegacySanityCheck, RefusesALengthFieldUnder20OrOver4096) {
 
 TEST(LegacySanityCheck, LooksAtNoAttributeWhenTheLengthFieldIsOutOfRange) {
   const ByteVector packet = PacketMaker(1).addMessageAuthenticator().make();
-  for (const std::size_t length : {19, 4097}) {
+  for (const std::size_t length : {19U, 4097U}) {
     const Checked checked = check(withLength(packet, length));
     EXPECT_TRUE(checked.badPkt);
     EXPECT_FALSE(checked.msgAuthPresent);
@@ -258,7 +258,7 @@ TEST(LegacySanityCheck, IgnoresTheBytesBehindTheLength) {
 // ---- A Length field that says more than there is ----
 
 TEST(LegacySanityCheck, FindsZerosWhereTheLengthFieldGoesBehindTheBuffer) {
-  for (const std::size_t length : {22, 40, 4093}) {
+  for (const std::size_t length : {22U, 40U, 4093U}) {
     SCOPED_TRACE(length);
     expectBad(withLength(PacketMaker(2).make(), length), lengthFault);
     expectBad(withLength(PacketMaker(2).add(classAttr, {1}).make(), length + 3), lengthFault);
@@ -353,7 +353,7 @@ TEST(LegacySanityCheck, RefusesAVendorAttributeShorterThanEight) {
 }
 
 TEST(LegacySanityCheck, SkipsTheAttributeOfAnUnknownVendorWhateverItHolds) {
-  for (const std::size_t rest : {0, 1, 4, 247}) {
+  for (const std::size_t rest : {0U, 1U, 4U, 247U}) {
     for (const U8 subLength : {U8{0}, U8{1}, U8{2}, U8{6}, U8{255}}) {
       for (U8 type = 0; type <= 9; ++type) {
         ByteVector attribute = vendorBytes(unknownVendor, type, ByteVector(rest, 0xff));
@@ -372,7 +372,7 @@ TEST(LegacySanityCheck, ChecksWhatFollowsTheAttributeOfAnUnknownVendor) {
 }
 
 TEST(LegacySanityCheck, AcceptsAnUnknownTypeOfAKnownVendor) {
-  for (const std::size_t size : {0, 1, 4, 247}) {
+  for (const std::size_t size : {0U, 1U, 4U, 247U}) {
     expectGood(PacketMaker(2).addVendor(vendor, 100, ByteVector(size)));
   }
 }
@@ -716,7 +716,7 @@ TEST(LegacyAttributeType, LooksAtTheVendorOfType26Alone) {
 
 TEST(LegacyValidatePacketLength, IsTrueFrom20To4096) {
   const CapturingSink trace;
-  for (const std::size_t length : {20, 21, 256, 4095, 4096}) {
+  for (const std::size_t length : {20U, 21U, 256U, 4095U, 4096U}) {
     const LegacyPtr parser = uncheckedParser(withLength(ByteVector(20), length), dictionary());
     EXPECT_TRUE(parser->validatePacketLength()) << length;
   }
@@ -825,7 +825,7 @@ TEST(LegacyStatusServer, TakesTheChecksWordForTheMessageAuthenticator) {
 
 TEST(LegacyStatusServer, IsValidWithoutAttributes) {
   EXPECT_TRUE(isStatusServer(PacketMaker(12)));
-  for (const std::size_t length : {0, 19, 20}) {
+  for (const std::size_t length : {0U, 19U, 20U}) {
     EXPECT_TRUE(isStatusServer(withLength(PacketMaker(12).add(1, {'a'}).make(), length)));
   }
 }
