@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <map>
 #include <optional>
-#include <ostream>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -14,36 +13,12 @@
 #include "Verda/Trace.h"
 
 #include "RadiusPacketParser/RadiusDictionaryParser.h"
-#include "tests/support/CapturingSink.h"
-#include "tests/support/CatchAssertion.h"
+#include "tests/support/Outcome.h"
 #include "tests/support/TemporaryFolder.h"
 
 namespace TestSupport {
 
 using Lines = std::vector<std::string>;
-
-/// What an operation said, and the assertion that it failed, if any.
-struct Outcome {
-  std::vector<CapturedRecord> records;
-  std::optional<std::string> assertion;
-
-  bool operator==(const Outcome&) const = default;
-};
-
-inline void PrintTo(const Outcome& outcome, std::ostream* out) {
-  for (const CapturedRecord& record : outcome.records) {
-    *out << "\n  " << record.facility << ' ' << record.level << ' ' << record.className
-         << "::" << record.function << ": " << testing::PrintToString(record.text);
-  }
-  *out << "\n  assertion: " << outcome.assertion.value_or("(none)");
-}
-
-template <typename Operation>
-Outcome outcomeOf(Operation operation, int threshold = Verda::traceErrors) {
-  const CapturingSink sink(threshold);
-  const std::optional<std::string> assertion = assertionTextOf(operation);
-  return {sink.records(), assertion};
-}
 
 /// A message of the dictionary parser about the file at `path`; `text` is what stands behind it.
 inline CapturedRecord messageOf(std::string_view function, std::string_view path,

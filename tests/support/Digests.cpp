@@ -23,6 +23,19 @@ ByteVector paddedKey(std::span<const U8> key, U8 pad) {
   return block;
 }
 
+/// The bytes at `begin`, a block of them or as many as there are.
+ByteVector blockOf(std::span<const U8> bytes, std::size_t begin) {
+  const std::span<const U8> block =
+      bytes.subspan(begin, std::min(digestLength, bytes.size() - begin));
+  return {block.begin(), block.end()};
+}
+
+ByteVector mixed(ByteVector block, const ByteVector& keystream) {
+  std::ranges::transform(block, keystream, block.begin(),
+                         [](U8 left, U8 right) { return static_cast<U8>(left ^ right); });
+  return block;
+}
+
 }  // namespace
 
 ByteVector bytesOf(const std::string& text) {
@@ -65,11 +78,22 @@ ByteVector hidden(std::span<const U8> plain, std::span<const U8> secret,
   ByteVector result;
   ByteVector keystream = md5(joined({secret, authenticator, salt}));
   for (std::size_t begin = 0; begin < plain.size(); begin += digestLength) {
-    ByteVector block;
-    for (std::size_t at = begin; at < std::min(plain.size(), begin + digestLength); ++at) {
-      block.push_back(static_cast<U8>(plain[at] ^ keystream[at - begin]));
-    }
+    ByteVector block = mixed(blockOf(plain, begin), keystream);
     result.insert(result.end(), block.begin(), block.end());
+    block.resize(digestLength);
+    keystream = md5(joined({secret, block}));
+  }
+  return result;
+}
+
+ByteVector revealed(std::span<const U8> cipher, std::span<const U8> secret,
+                    std::span<const U8> authenticator, std::span<const U8> salt) {
+  ByteVector result;
+  ByteVector keystream = md5(joined({secret, authenticator, salt}));
+  for (std::size_t begin = 0; begin < cipher.size(); begin += digestLength) {
+    ByteVector block = blockOf(cipher, begin);
+    const ByteVector plain = mixed(block, keystream);
+    result.insert(result.end(), plain.begin(), plain.end());
     block.resize(digestLength);
     keystream = md5(joined({secret, block}));
   }

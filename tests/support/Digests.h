@@ -32,4 +32,8 @@ ByteVector hmacMd5(std::span<const Verda::U8> key, std::span<const Verda::U8> da
 ByteVector hidden(std::span<const Verda::U8> plain, std::span<const Verda::U8> secret,
                   std::span<const Verda::U8> authenticator, std::span<const Verda::U8> salt = {});
 
+/// Reveals what `hidden` hides.
+ByteVector revealed(std::span<const Verda::U8> cipher, std::span<const Verda::U8> secret,
+                    std::span<const Verda::U8> authenticator, std::span<const Verda::U8> salt = {});
+
 }  // namespace TestSupport
