@@ -328,6 +328,17 @@ TEST(CalculateMsgAuthenticator, AZeroLengthByteEndsTheSearchAsIfThereWereNone) {
   }
 }
 
+TEST(CalculateMsgAuthenticator, AnAttributeOfLengthOneIsOneByteLong) {
+  // Its length byte is the next attribute's type.
+  const ByteVector packet =
+      PacketMaker(1).addRaw(joined({ByteVector{classType}, nameBytes, msgAuthBytes})).make();
+  const std::size_t at = headerLength + 1 + nameBytes.size();
+  const Calculated result = calculate(packet, packet.size(), false);
+  EXPECT_EQ(result.packet, replaced(packet, at + 2, zeros));
+  EXPECT_EQ(result.hmac, hmacOf(result.packet));
+  EXPECT_EQ(result.cursor, static_cast<std::ptrdiff_t>(at));
+}
+
 TEST(CalculateMsgAuthenticator, TheSecretCountsUpToItsFirstZeroByte) {
   const ByteVector packet = PacketMaker(1).addRaw(msgAuthBytes).make();
   for (const auto& secret : sharedSecrets) {

@@ -31,7 +31,6 @@ namespace LegacyTexts = TestSupport::LegacyTexts;
 constexpr U8 userName = 1;
 constexpr U8 userPassword = 2;
 constexpr U8 eapMessage = 79;
-constexpr U8 messageAuthenticator = 80;
 constexpr U8 of64Bits = 200;
 constexpr Verda::U32 vendor = 9;
 constexpr U8 vendorString = 1;

@@ -162,6 +162,11 @@ ByteVector edit(RadiusPacketParserBase& parser, Edit operation) {
   return std::move(edited.packet);
 }
 
+/// What stands behind a packet's header.
+ByteVector attributesIn(const ByteVector& packet) {
+  return {packet.begin() + headerLength, packet.end()};
+}
+
 /// The packet with one standard attribute more.
 ByteVector withAdded(const ByteVector& packet, U8 code, const std::string& text) {
   const LegacyPtr parser = checkedPacket(packet, dictionary);
@@ -171,8 +176,7 @@ ByteVector withAdded(const ByteVector& packet, U8 code, const std::string& text)
 
 /// What the addition of one standard attribute writes.
 ByteVector addedBytes(U8 code, const std::string& text) {
-  const ByteVector packet = withAdded(PacketMaker(1).make(), code, text);
-  return {packet.begin() + headerLength, packet.end()};
+  return attributesIn(withAdded(PacketMaker(1).make(), code, text));
 }
 
 /// How the addition of one standard attribute goes wrong.
@@ -188,7 +192,7 @@ ByteVector addedVsa(U8 code, const std::string& value) {
   const LegacyPtr parser = checkedPacket(PacketMaker(1).make(), dictionary);
   parser->vsaToAddIs(0, VsaValueType(vendor, code, value));
   const ByteVector packet = edit(*parser, adding);
-  return {packet.begin() + headerLength, packet.end()};
+  return attributesIn(packet);
 }
 
 Outcome failedVsa(U32 vendorId, U8 code, const std::string& value) {
@@ -204,15 +208,20 @@ ByteVector setBytes(const ByteVector& attributes, U8 code, const std::string& te
   const LegacyPtr parser = checkedPacket(PacketMaker(1).addRaw(attributes).make(), dictionary);
   parser->attributesToSetIs(code, text);
   const ByteVector packet = edit(*parser, setting);
-  return {packet.begin() + headerLength, packet.end()};
+  return attributesIn(packet);
 }
 
-/// The packet's attributes, sorted; its Length bytes are true.
+/// The packet's attributes, sorted. Throws where a length byte is wrong.
 std::vector<ByteVector> sortedAttributes(const ByteVector& packet) {
   std::vector<ByteVector> attributes;
-  for (std::size_t at = headerLength; at < packet.size(); at += packet.at(at + 1)) {
+  for (std::size_t at = headerLength; at < packet.size();) {
+    const std::size_t length = packet.at(at + 1);
+    if (length < 2 || length > packet.size() - at) {
+      throw std::logic_error(fmt::format("a length byte of {} at {}", length, at));
+    }
     const auto begin = packet.begin() + static_cast<std::ptrdiff_t>(at);
-    attributes.emplace_back(begin, begin + packet.at(at + 1));
+    attributes.emplace_back(begin, begin + static_cast<std::ptrdiff_t>(length));
+    at += length;
   }
   std::ranges::sort(attributes);
   return attributes;
@@ -829,11 +838,16 @@ const Growth growths[] = {
 TEST(AddAttribute, FillsThePacketTo4096Bytes) {
   for (const Growth& growth : growths) {
     SCOPED_TRACE(growth.name);
-    const LegacyPtr parser = checkedPacket(packetOfLength(maxLength - growth.bytes), dictionary);
+    const LegacyPtr bare = checkedPacket(PacketMaker(1).make(), dictionary);
+    growth.request(*bare);
+    const ByteVector alone = edit(*bare, adding);
+    const ByteVector packet = packetOfLength(maxLength - growth.bytes);
+    const LegacyPtr parser = checkedPacket(packet, dictionary);
     growth.request(*parser);
     const ByteVector result = edit(*parser, adding);
     EXPECT_EQ(result.size(), maxLength);
     EXPECT_EQ(result, withLength(result, maxLength));
+    EXPECT_EQ(sortedAttributes(result), sortedAttributes(joined({packet, attributesIn(alone)})));
   }
 }
 
@@ -1139,7 +1153,7 @@ ByteVector left(const ByteVector& attributes, const Attribute& key) {
   parser->attributesToRemoveIs(key);
   const ByteVector packet = edit(*parser, removing);
   EXPECT_TRUE(parser->attributesToRemoveHas(key));
-  return {packet.begin() + headerLength, packet.end()};
+  return attributesIn(packet);
 }
 
 TEST(RemoveAttribute, WithNothingToRemoveCopiesThePacket) {
