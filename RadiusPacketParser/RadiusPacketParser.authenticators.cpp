@@ -192,11 +192,9 @@ bool RadiusPacketParserBase::validateAuthenticator(const String& secret, const B
   if (Shared::hasRandomAuthenticator(header_->code())) {
     return true;
   }
-  const ByteView authenticator =
-      reqAuth.empty() ? ByteView(Shared::zeroAuthenticator) : wholeAuthenticator(reqAuth.span());
   Digest digest;
-  assertDigest(Shared::packetDigest(TrustedPacket(*pkt(), header_->length()).bytes(), authenticator,
-                                    secret, digest.data()));
+  assertDigest(Shared::packetDigest(TrustedPacket(*pkt(), header_->length()).bytes(),
+                                    coveredAuthenticator(reqAuth), secret, digest.data()));
   const ByteView received = header_->authenticator().bytes();
   return received.size() >= digest.size() &&
          ZoCrypto::equalInConstantTime(digest, received.first(digest.size()));
@@ -274,8 +272,7 @@ void RadiusPacketParserBase::setMessageAuthenticator(const String& secret, const
   if (isRandom) {
     assertRequest(reqAuth);
   }
-  const ByteView covered =
-      reqAuth.empty() ? ByteView(Shared::zeroAuthenticator) : wholeAuthenticator(reqAuth.span());
+  const ByteView covered = coveredAuthenticator(reqAuth);
   TrustedPacket packet(*pkt(), header_->length());
   U8* const attr = messageAuthenticatorIn(packet);
   if (attr == nullptr) {
