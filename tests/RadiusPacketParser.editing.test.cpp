@@ -211,16 +211,15 @@ ByteVector setBytes(const ByteVector& attributes, U8 code, const std::string& te
   return attributesIn(packet);
 }
 
-/// The packet's attributes, sorted. Throws where a length byte is wrong.
-std::vector<ByteVector> sortedAttributes(const ByteVector& packet) {
-  std::vector<ByteVector> attributes;
+/// The packet's attributes in hex digits, sorted. Throws where a length byte is wrong.
+std::vector<std::string> sortedAttributes(const ByteVector& packet) {
+  std::vector<std::string> attributes;
   for (std::size_t at = headerLength; at < packet.size();) {
     const std::size_t length = packet.at(at + 1);
     if (length < 2 || length > packet.size() - at) {
       throw std::logic_error(fmt::format("a length byte of {} at {}", length, at));
     }
-    const auto begin = packet.begin() + static_cast<std::ptrdiff_t>(at);
-    attributes.emplace_back(begin, begin + static_cast<std::ptrdiff_t>(length));
+    attributes.push_back(TestSupport::toHex(std::span(packet).subspan(at, length)));
     at += length;
   }
   std::ranges::sort(attributes);
@@ -518,11 +517,11 @@ TEST(AddAttribute, WritesEachOfSeveralAttributesOnce) {
   parser->attributesToAddIs(nasPort, "15");
   parser->attributesToAddIs(eapMessage, textOf(254));
   parser->attributesToAddIs(nasIpAddress, "192.0.2.1");
-  std::vector<ByteVector> expected{
-      fromHex("01 07 616c696365"), fromHex("05 06 0000000f"), fromHex("04 06 c0000201"),
-      attributeBytes(eapMessage, bytesOf(textOf(253))), attributeBytes(eapMessage, bytesOf("t"))};
-  std::ranges::sort(expected);
-  EXPECT_EQ(sortedAttributes(edit(*parser, adding)), expected);
+  const ByteVector all = joined({fromHex("01 07 616c696365 05 06 0000000f 04 06 c0000201"),
+                                 attributeBytes(eapMessage, bytesOf(textOf(253))),
+                                 attributeBytes(eapMessage, bytesOf("t"))});
+  EXPECT_EQ(sortedAttributes(edit(*parser, adding)),
+            sortedAttributes(joined({PacketMaker(1).make(), all})));
 }
 
 TEST(AddAttribute, WritesTheLongestString) {
