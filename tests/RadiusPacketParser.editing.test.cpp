@@ -652,7 +652,7 @@ std::optional<std::string> thrownByAdding(U8 code, const std::string& text) {
   const ByteVector packet = PacketMaker(1).add(userName, bytesOf("alice")).make();
   const LegacyPtr parser = checkedPacket(packet, dictionary);
   parser->attributesToAddIs(code, text);
-  const auto thrown = thrownText<Exception>([&] { parser->addAttribute(); });
+  auto thrown = thrownText<Exception>([&] { parser->addAttribute(); });
   EXPECT_EQ(bytesOf(parser->pkt()), packet);
   EXPECT_EQ(parser->attributesToAddGet(code), Verda::String(text));
   return thrown;
@@ -1007,8 +1007,7 @@ std::optional<std::string> thrownBySetting(U8 code, std::size_t valueLength,
   const ByteVector packet = PacketMaker(1).add(code, ByteVector(valueLength, 9)).make();
   const LegacyPtr parser = checkedPacket(packet, dictionary);
   parser->attributesToSetIs(code, text);
-  const auto thrown =
-      thrownText<Exception>([&] { parser->setValuesOfAttributesFromAttributesToSet(); });
+  auto thrown = thrownText<Exception>([&] { parser->setValuesOfAttributesFromAttributesToSet(); });
   EXPECT_EQ(bytesOf(parser->pkt()), packet);
   EXPECT_EQ(parser->attributesToSetGet(code), Verda::String(text));
   return thrown;

@@ -246,15 +246,16 @@ void expectAuthenticators(const ByteVector& packet, const Model& model, const Le
                           const GoldenPacket& golden) {
   const bool isRequest = reqAuthFor(model.code()).empty();
   const ByteVector reqAuth = isRequest ? ByteVector() : TestSupport::testReqAuth;
-  const std::string secret = golden.secretText().c_str();
+  const std::string secret = golden.secretText();
+  const ByteVector counts = bytesOf(secret.substr(0, secret.find('\0')));
   parser->validatePacketLength();
   parser->validatePacketId(parser->header());
   parser->validateStatusServerPkt();
   if (model.length() >= headerLength) {
     EXPECT_EQ(parser->validateAuthenticator(secret, verdaBytes(reqAuth)),
-              authenticatorHolds(model, bytesOf(secret), reqAuth));
+              authenticatorHolds(model, counts, reqAuth));
     EXPECT_EQ(parser->validateMessageAuthenticator(secret, verdaBytes(reqAuth)),
-              msgAuthHolds(model, bytesOf(secret), reqAuth, parser->msgAuthPresent()));
+              msgAuthHolds(model, counts, reqAuth, parser->msgAuthPresent()));
   }
   EXPECT_EQ(bytesOf(parser->pkt()), packet);
 
@@ -262,9 +263,8 @@ void expectAuthenticators(const ByteVector& packet, const Model& model, const Le
     const LegacyPtr fresh = parserOf(packet);
     encrypt ? fresh->encryptPacket(secret, verdaBytes(reqAuth))
             : fresh->decryptPacket(secret, verdaBytes(reqAuth));
-    EXPECT_EQ(
-        bytesOf(fresh->pkt()),
-        transformed(model, bytesOf(secret), isRequest ? model.authenticator() : reqAuth, encrypt));
+    EXPECT_EQ(bytesOf(fresh->pkt()),
+              transformed(model, counts, isRequest ? model.authenticator() : reqAuth, encrypt));
   }
 
   const LegacyPtr fresh = parserOf(packet);

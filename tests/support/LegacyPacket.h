@@ -18,8 +18,7 @@ inline LegacyPtr checkedPacket(const ByteVector& packet, const DictPtr& dictiona
 
 /// One whose packet was not checked beyond its header.
 inline LegacyPtr uncheckedPacket(const ByteVector& packet, const DictPtr& dictionary) {
-  const LegacyPtr parser =
-      RadiusPacketParser::radiusPacketParserBaseFactory(dictionary, pktOf(packet));
+  LegacyPtr parser = RadiusPacketParser::radiusPacketParserBaseFactory(dictionary, pktOf(packet));
   parser->setHeader();
   return parser;
 }
