@@ -627,6 +627,22 @@ TEST(ValidateMessageAuthenticator, AnEntityWhoseAuthenticatorIsTooShortFailsItsA
   }
 }
 
+TEST(ValidateMessageAuthenticator, PutsTheAuthenticatorOfTheEntityBackWhereItPutAnother) {
+  const ByteVector other = countingBytes(digestLength, 0x50);
+  for (const U8 code : {U8{1}, U8{2}, U8{40}}) {
+    SCOPED_TRACE(int{code});
+    const ByteVector packet = PacketMaker(code).addMessageAuthenticator().make();
+    const LegacyPtr parser = checkedPacket(packet, dictionary);
+    parser->header()->authenticatorIs(Verda::String(std::span(other)));
+    bool holds = false;
+    const ByteVector after = packetAfter(*parser, [&](auto& object) {
+      holds = object.validateMessageAuthenticator(testSecret, verdaBytes(reqAuthFor(code)));
+    });
+    EXPECT_TRUE(holds);
+    EXPECT_EQ(after, isRandom(code) ? packet : withAuthenticator(packet, other));
+  }
+}
+
 TEST(ValidateMessageAuthenticator, FailsWhereTheFlagSaysThatThereIsOneAndThereIsNone) {
   for (const U8 code : {U8{1}, U8{2}, U8{40}}) {
     for (const ByteVector& attributes : {ByteVector(), nameBytes}) {

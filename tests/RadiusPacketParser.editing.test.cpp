@@ -685,6 +685,14 @@ TEST(AddAttribute, ATextThatIsNoAddressRaisesTheErrorOfTheNetworkingLibrary) {
   }
 }
 
+TEST(AddAttribute, ATextThatIsNoAddressLeavesTheRequestForAMessageAuthenticator) {
+  const LegacyPtr parser = checkedPacket(PacketMaker(1).make(), dictionary);
+  parser->attributesToAddIs(messageAuthenticator, "anything");
+  parser->attributesToAddIs(nasIpAddress, "host");
+  EXPECT_TRUE(thrownText<Zonet::AddressTextError>([&] { parser->addAttribute(); }).has_value());
+  EXPECT_EQ(parser->attributesToAddGet(messageAuthenticator), Verda::String("anything"));
+}
+
 // ---- Adding: vendor attributes ----
 
 TEST(AddAttribute, WritesAVendorAttributeByItsDataType) {
