@@ -19,6 +19,7 @@ namespace Shared = RadiusPktParserBase::detail;
 using detail::AttributeWalk;
 using detail::ByteView;
 using detail::legacyTrace;
+using detail::parserClass;
 using detail::TrustedPacket;
 using detail::wholeAuthenticator;
 using Shared::Digest;
@@ -30,8 +31,6 @@ using Verda::U32;
 using Verda::U8;
 
 namespace {
-
-constexpr const char* parserClass = "RadiusPacketParserBase";
 
 void assertDigest(U32 digestLength) {
   VERDA_ASSERT_TEXT(digestLength == PacketConstants::authLength(),

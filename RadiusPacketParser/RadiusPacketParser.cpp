@@ -21,6 +21,7 @@ namespace Shared = RadiusPktParserBase::detail;
 using detail::AttributeWalk;
 using detail::ByteView;
 using detail::legacyTrace;
+using detail::parserClass;
 using detail::TrustedPacket;
 using RadiusPktParserBase::AttributeCursor;
 using Verda::Ptr;
@@ -39,8 +40,6 @@ TYL_ENTITY_TYPE(RadiusPacketNew)
 Verda::TraceFacility detail::legacyTrace("RadiusPacketParser::RadiusPacketParser");
 
 namespace {
-
-constexpr const char* parserClass = "RadiusPacketParserBase";
 
 /// The records' fields, the same list for writing and for reading.
 template <typename Record, typename AttributeOrConst>
@@ -83,10 +82,6 @@ class SanityCheck {
         hasMessageAuthenticator_(hasMessageAuthenticator) {}
 
   std::string_view run() {
-    const U16 length = packet_.length();
-    if (length < PacketConstants::headerLength() || length > PacketConstants::maxLength()) {
-      return "Received packet with invalid header length";
-    }
     AttributeCursor cursor(packet_.bytes().subspan(PacketConstants::headerLength()));
     while (true) {
       switch (cursor.next()) {
@@ -122,7 +117,7 @@ class SanityCheck {
         hasMessageAuthenticator_ = true;
         break;
       case RadiusAttributeId::USER_PASSWORD:
-        if (!isPasswordLength(attribute.size())) {
+        if (!Shared::isPasswordLength(attribute.size() - AttributeConstants::valueOffset())) {
           return "Received password with invalid length";
         }
         break;
@@ -135,15 +130,13 @@ class SanityCheck {
     return faultOfLength(Attribute(type, 0, 0), attribute.size());
   }
 
-  /// The length byte of the sub-attribute is not looked at, and nor is what may follow it.
+  /// The length byte of the sub-attribute is not looked at, and nor is what may follow it; of a
+  /// vendor that the dictionary lacks, nothing.
   std::string_view faultOfVendor(ByteView attribute) const {
     if (attribute.size() < VsaConstants::vendorAttrValueOffset()) {
       return "Received packet with VSA attribute having invalid length";
     }
     const U32 vendorId = Shared::vendorIdOf(attribute.data());
-    if (!dictionary_.vendorAttributeHas(vendorId)) {
-      return {};
-    }
     const Attribute key(RadiusAttributeId::VENDOR_SPECIFIC,
                         attribute[VsaConstants::vendorTypeOffset()], vendorId);
     return faultOfLength(key, attribute.size() - VsaConstants::vendorTypeOffset());
@@ -179,13 +172,6 @@ class SanityCheck {
 
   static constexpr std::size_t lengthWith(std::size_t valueLength) {
     return AttributeConstants::valueOffset() + valueLength;
-  }
-
-  static constexpr bool isPasswordLength(std::size_t length) {
-    const std::size_t valueLength = length - AttributeConstants::valueOffset();
-    return valueLength >= AttributeConstants::minPasswdSize() &&
-           valueLength <= AttributeConstants::maxPasswdSize() &&
-           valueLength % AttributeConstants::passwdWordSize() == 0;
   }
 
   TrustedPacket packet_;
@@ -257,6 +243,13 @@ void RadiusPacketParserBase::setHeader() {
 }
 
 void RadiusPacketParserBase::doBasicPacketSanityCheck() {
+  // Before anything else: a packet that is refused for this makes no storage grow.
+  if (!Shared::isPacketLength(header_->length())) {
+    VERDA_TRACE(legacyTrace, Verda::traceErrors, parserClass,
+                "Received packet with invalid header length");
+    badPktIs(true);
+    return;
+  }
   SanityCheck check(TrustedPacket(*pkt(), header_->length()), *dictionary(), msgAuthPresent());
   const std::string_view fault = check.run();
   msgAuthPresentIs(check.hasMessageAuthenticator());
@@ -268,7 +261,7 @@ void RadiusPacketParserBase::doBasicPacketSanityCheck() {
 
 bool RadiusPacketParserBase::validatePacketLength() const {
   const U16 length = header_->length();
-  if (length >= PacketConstants::headerLength() && length <= PacketConstants::maxLength()) {
+  if (Shared::isPacketLength(length)) {
     return true;
   }
   VERDA_TRACE(legacyTrace, Verda::traceErrors, parserClass,

@@ -22,6 +22,19 @@ using RadiusPktParserBase::detail::ByteView;
 /// Where the legacy interface traces: "RadiusPacketParser::RadiusPacketParser".
 extern Verda::TraceFacility legacyTrace;
 
+/// The class in whose name the operations trace.
+inline constexpr const char* parserClass = "RadiusPacketParserBase";
+
+/// Where the sub-attribute of a vendor's attribute begins, or the attribute itself.
+constexpr std::size_t unitOffset(bool isVsa) {
+  return isVsa ? VsaConstants::vendorTypeOffset() : AttributeConstants::typeOffset();
+}
+
+/// Where the value of either begins.
+constexpr std::size_t valueOffset(bool isVsa) {
+  return unitOffset(isVsa) + AttributeConstants::valueOffset();
+}
+
 /// A packet as long as its Length field says, whatever number of bytes there are. The storage
 /// reaches as far as an operation goes: behind the packet's own bytes it is zeros.
 class TrustedPacket {
@@ -97,9 +110,7 @@ class AttributeWalk {
   /// The attribute from its first byte, with `count` bytes or up to the end of its value, whichever
   /// is more.
   Verda::U8* attribute(std::size_t count = 0) {
-    const std::size_t valueOffset = std::size_t{isVsa() ? VsaConstants::vendorAttrValueOffset()
-                                                        : AttributeConstants::valueOffset()};
-    return packet_.at(offset_, std::max(count, valueOffset + valueLength()));
+    return packet_.at(offset_, std::max(count, valueOffset(isVsa()) + valueLength()));
   }
 
   /// All that the Length byte counts.

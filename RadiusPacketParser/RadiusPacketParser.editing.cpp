@@ -26,7 +26,9 @@ namespace Shared = RadiusPktParserBase::detail;
 using detail::AttributeWalk;
 using detail::ByteView;
 using detail::legacyTrace;
+using detail::parserClass;
 using detail::TrustedPacket;
+using Shared::maxValueLength;
 using Verda::Ptr;
 using Verda::String;
 using Verda::U16;
@@ -35,11 +37,7 @@ using Verda::U8;
 
 namespace {
 
-constexpr const char* parserClass = "RadiusPacketParserBase";
 constexpr const char* addOperation = "addAttribute";
-
-constexpr std::size_t maxValueLength =
-    std::size_t{AttributeConstants::maxLength()} - AttributeConstants::valueOffset();
 
 constexpr std::string_view tooLongPacket =
     "len <= PacketConstants::maxLength() && \" Length of the packet less than or equal to 4KB \"";
@@ -153,10 +151,6 @@ void writeUnit(U8* attr, U8 type, ByteView front, ByteView value) {
   const std::span<U8> place = Shared::beginUnit(attr, type, front.size() + value.size());
   std::ranges::copy(front, place.begin());
   std::ranges::copy(value, place.subspan(front.size()).begin());
-}
-
-U8* unitAt(U8* attr, bool isVsa) {
-  return isVsa ? attr + VsaConstants::vendorTypeOffset() : attr;
 }
 
 void writePrefix(U8* attr, U8 code, const String& text) {
@@ -337,7 +331,7 @@ void addStrOctetTypes(U8* attr, U8 code, String text, bool isVsa) {
     VERDA_ASSERT_TEXT(false,
                       "false && \" Attribute len should be <= Attribute Max Length ( 255 ) \"");
   }
-  writeUnit(unitAt(attr, isVsa), code, {}, text.bytes());
+  writeUnit(attr + detail::unitOffset(isVsa), code, {}, text.bytes());
 }
 
 // NOLINTNEXTLINE(performance-unnecessary-value-param): likewise
@@ -345,7 +339,7 @@ void addIntegerDateTypes(U8* attr, U8 code, String text, bool isVsa) {
   const auto number = static_cast<U32>(std::strtoll(text.cStr(), nullptr, 0));
   std::array<U8, AttributeConstants::intLength()> value{};
   static_cast<void>(Zonet::WireWriter(value).write(number));
-  writeUnit(unitAt(attr, isVsa), code, {}, value);
+  writeUnit(attr + detail::unitOffset(isVsa), code, {}, value);
 }
 
 Ptr<Zonet::Pkt> RadiusPacketParserBase::addAttribute() {

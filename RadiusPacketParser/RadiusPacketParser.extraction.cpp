@@ -19,6 +19,7 @@ namespace RadiusPacketParser {
 using detail::AttributeWalk;
 using detail::ByteView;
 using detail::legacyTrace;
+using detail::parserClass;
 using detail::TrustedPacket;
 using RadiusPktParserBase::ipv6PrefixLengthOffset;
 using Verda::String;
@@ -28,13 +29,7 @@ using Verda::U8;
 
 namespace {
 
-constexpr const char* parserClass = "RadiusPacketParserBase";
-
 constexpr std::size_t tagLength = 1;
-
-U8* valueAt(U8* attr, bool isVsa) {
-  return attr + (isVsa ? VsaConstants::vendorAttrValueOffset() : AttributeConstants::valueOffset());
-}
 
 /// The bytes in decimal with dots between them; the first is there even when `value` is empty.
 String dottedText(const U8* first, std::size_t length) {
@@ -93,7 +88,7 @@ Reading readValue(AttributeWalk& walk, const RadiusDict& dictionary,
   const auto address = [&walk](auto text) {
     constexpr std::size_t needed = AttributeConstants::valueOffset() + ipv6PrefixLengthOffset + 1;
     return walk.isVsa() ? Reading()
-                        : Reading{.text = text(valueAt(walk.attribute(needed), false),
+                        : Reading{.text = text(walk.attribute(needed) + detail::valueOffset(false),
                                                std::size_t{walk.valueLength()})};
   };
   switch (type) {
@@ -125,7 +120,7 @@ Reading readValue(AttributeWalk& walk, const RadiusDict& dictionary,
 String extractStrOctetTypes(U8* attr, U32 valueLen, bool isVsa, bool hasTag) {
   const std::size_t skipped = hasTag ? tagLength : 0;
   VERDA_ASSERT_TEXT(valueLen >= skipped, "distance >= 0");
-  return String(ByteView(valueAt(attr, isVsa), valueLen).subspan(skipped));
+  return String(ByteView(attr + detail::valueOffset(isVsa), valueLen).subspan(skipped));
 }
 
 String extractIntegerDateTypes(U8* attr, U32 valueLen, bool isVsa, bool hasTag) {
@@ -133,7 +128,7 @@ String extractIntegerDateTypes(U8* attr, U32 valueLen, bool isVsa, bool hasTag) 
   const std::size_t skipped = hasTag ? tagLength : 0;
   const std::size_t length = std::min<std::size_t>(valueLen, number.size());
   for (std::size_t at = skipped; at < length; ++at) {
-    number[at] = valueAt(attr, isVsa)[at];
+    number[at] = attr[detail::valueOffset(isVsa) + at];
   }
   U32 value = 0;
   static_cast<void>(Zonet::WireReader(number).read(value));

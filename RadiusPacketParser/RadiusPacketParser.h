@@ -114,6 +114,9 @@ class VERDA_EXPORT AttrInfo : public Verda::Node {
 /// packet that it is given: validating changes it while it runs, and hiding, identifier and
 /// authenticators are written into it.
 ///
+/// Where the packet's Length says more than there is, any operation may let the packet's storage
+/// grow: pointers into its bytes are then void.
+///
 /// Every operation but `setHeader` reads `header`, which must be there. None of them refreshes it:
 /// whoever changes code, length or authenticator in the packet calls `setHeader` again.
 class VERDA_EXPORT RadiusPacketParserBase : public Verda::Node {
@@ -201,7 +204,8 @@ class VERDA_EXPORT RadiusPacketParserBase : public Verda::Node {
 
   /// The packet with the attributes of `attributesToSet` rewritten: types 1, 2, 30, 31 and 32 with
   /// the text, 4 and 95 with the address that it says; any other type fails the assertion "false".
-  /// The authenticator is zeros.
+  /// The authenticator is zeros. Keep texts to 253 bytes: the length counts in eight bits and is
+  /// not checked, so that a longer text, or what follows it, becomes other attributes.
   /// @throws std::invalid_argument, std::out_of_range, Zonet::AddressTextError for an address that
   ///         the text does not say
   Verda::Ptr<Zonet::Pkt> setValuesOfAttributesFromAttributesToSet();
@@ -227,7 +231,7 @@ class VERDA_EXPORT RadiusPacketParserBase : public Verda::Node {
   bool validateAuthenticator(const Verda::String& secret, const Verda::Bytes& reqAuth);
 
   /// Whether the Message-Authenticator is right; true when `msgAuthPresent` is not set, and for
-  /// accounting packets. The packet ends as it began.
+  /// accounting packets. The packet ends as it began, with the authenticator that `header` holds.
   bool validateMessageAuthenticator(const Verda::String& secret, const Verda::Bytes& reqAuth);
 
   /// Hides, and reveals, every attribute that the dictionary says hidden: `cryptoHelper`.

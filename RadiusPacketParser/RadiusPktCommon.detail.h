@@ -33,6 +33,12 @@ enum class HeaderFault : Verda::U8 {
   cut,               ///< the Length field says more bytes than there are
 };
 
+/// Whether a Length field says what a packet may have: 20 to 4096.
+constexpr bool isPacketLength(std::size_t length) {
+  using RadiusPacketParser::PacketConstants;
+  return length >= PacketConstants::headerLength() && length <= PacketConstants::maxLength();
+}
+
 /// Reads the header of a packet. Unless the packet is too short, `hdr` holds what it says.
 template <typename Hdr>
 HeaderFault readHeader(ByteView pkt, Hdr& hdr) {
@@ -50,7 +56,7 @@ HeaderFault readHeader(ByteView pkt, Hdr& hdr) {
   hdr.idIs(id);
   hdr.lengthIs(length);
   hdr.authenticatorIs(Verda::String(authenticator));
-  if (length < PacketConstants::headerLength() || length > PacketConstants::maxLength()) {
+  if (!isPacketLength(length)) {
     return HeaderFault::lengthOutOfRange;
   }
   return length > pkt.size() ? HeaderFault::cut : HeaderFault::none;
@@ -117,6 +123,15 @@ std::optional<HiddenParts> hiddenPartsOf(std::span<Verda::U8> value, Verda::U8 e
 Verda::U32 applyKeystream(const HiddenParts& parts, ByteView authenticator,
                           const Verda::String& secret, bool encrypt);
 
+/// Whether a hidden User-Password may be so long: 16 to 128 bytes in whole blocks (RFC 2865 section
+/// 5.2).
+constexpr bool isPasswordLength(std::size_t valueLength) {
+  using RadiusPacketParser::AttributeConstants;
+  return valueLength >= AttributeConstants::minPasswdSize() &&
+         valueLength <= AttributeConstants::maxPasswdSize() &&
+         valueLength % AttributeConstants::passwdWordSize() == 0;
+}
+
 using PaddedPassword =
     std::array<Verda::U8, RadiusPacketParser::AttributeConstants::maxPasswdSize()>;
 
@@ -129,6 +144,11 @@ ByteView padPassword(ByteView text, PaddedPassword& padded);
 /// Whether a Status-Server packet must not carry a standard attribute of that type: it asks for
 /// neither authentication nor accounting (RFC 5997 section 3).
 bool isForbiddenInStatusServer(Verda::U8 type);
+
+/// The longest value of an attribute.
+inline constexpr std::size_t maxValueLength =
+    std::size_t{RadiusPacketParser::AttributeConstants::maxLength()} -
+    RadiusPacketParser::AttributeConstants::valueOffset();
 
 /// The Vendor-Id of the Vendor-Specific attribute at `attr`.
 inline Verda::U32 vendorIdOf(const Verda::U8* attr) {

@@ -16,6 +16,7 @@
 namespace RadiusPktParserBase {
 
 using detail::ByteView;
+using detail::maxValueLength;
 using RadiusPacketParser::AttributeConstants;
 using RadiusPacketParser::PacketConstants;
 using RadiusPacketParser::RadiusAttributeId;
@@ -42,9 +43,6 @@ constexpr std::string_view nameOf(Encoder encoder) {
   };
   return names[static_cast<std::size_t>(encoder)];
 }
-
-constexpr std::size_t maxValueLength =
-    std::size_t{AttributeConstants::maxLength()} - AttributeConstants::valueOffset();
 
 // ---- Writing one attribute ----
 

@@ -345,10 +345,7 @@ class PacketWalk {
   }
 
   static ErrorMsg checkUserPassword(std::size_t length) {
-    const std::size_t hidden = length - AttributeConstants::valueOffset();
-    if (hidden % AttributeConstants::passwdWordSize() != 0 ||
-        hidden < AttributeConstants::minPasswdSize() ||
-        hidden > AttributeConstants::maxPasswdSize()) {
+    if (!detail::isPasswordLength(length - AttributeConstants::valueOffset())) {
       TRACE_FAULT("Received password with invalid length: {}", length);
       return ErrorMsg::invalidAttrLength;
     }

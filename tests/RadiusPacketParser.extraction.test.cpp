@@ -7,7 +7,7 @@
 
 #include "tests/support/CatchAssertion.h"
 #include "tests/support/DictionaryTest.h"
-#include "tests/support/LegacyParser.h"
+#include "tests/support/LegacyPacket.h"
 
 namespace RadiusPacketParser {
 namespace {
@@ -29,7 +29,7 @@ using TestSupport::Outcome;
 using TestSupport::outcomeOf;
 using TestSupport::PacketMaker;
 using TestSupport::pktOf;
-using TestSupport::uncheckedParser;
+using TestSupport::uncheckedPacket;
 using TestSupport::vendorBytes;
 using TestSupport::withLength;
 using Verda::Ptr;
@@ -113,7 +113,7 @@ Texts valuesOf(const RadiusPacketParserBase& parser, const Attribute& key) {
 /// A parser of the packet that has read the values of these kinds; the packet must stay as it is.
 LegacyPtr readingOf(const ByteVector& packet, const std::vector<Attribute>& keys,
                     const DictPtr& dict = dictionary()) {
-  const LegacyPtr parser = uncheckedParser(packet, dict);
+  const LegacyPtr parser = uncheckedPacket(packet, dict);
   for (const Attribute& key : keys) {
     parser->getValueOfAttributesListIs(key);
   }
@@ -172,7 +172,7 @@ TEST(LegacyExtraction, GivesAnAttrInfoToEveryKindAskedFor) {
 TEST(LegacyExtraction, GivesNoValuesOfABadPacket) {
   const CapturingSink trace;
   const Attribute key = standard(RadiusAttributeType::string);
-  const LegacyPtr parser = uncheckedParser(
+  const LegacyPtr parser = uncheckedPacket(
       PacketMaker(2).add(codeOf(RadiusAttributeType::string), {'a'}).make(), dictionary());
   parser->badPktIs(true);
   parser->getValueOfAttributesListIs(key);
@@ -331,7 +331,7 @@ TEST(LegacyExtraction, KeepsTheListOfWhatIsAskedFor) {
 
 TEST(LegacyExtraction, KeepsWhatAnotherKindHasFromBefore) {
   const Attribute other = standard(RadiusAttributeType::octets);
-  const LegacyPtr parser = uncheckedParser(
+  const LegacyPtr parser = uncheckedPacket(
       PacketMaker(2).add(codeOf(RadiusAttributeType::octets), {'x'}).make(), dictionary());
   parser->attrInfoIs(other)->valueIs(5, "kept");
   parser->getValuesOfAttributesFromAttributeList();
@@ -340,7 +340,7 @@ TEST(LegacyExtraction, KeepsWhatAnotherKindHasFromBefore) {
 
 TEST(LegacyExtraction, NumbersByHowManyValuesThereAre) {
   const Attribute key = standard(RadiusAttributeType::octets);
-  const LegacyPtr parser = uncheckedParser(
+  const LegacyPtr parser = uncheckedPacket(
       PacketMaker(2).add(codeOf(RadiusAttributeType::octets), {'x'}).make(), dictionary());
   parser->attrInfoIs(key)->valueIs(5, "kept");
   parser->getValueOfAttributesListIs(key);
@@ -653,7 +653,7 @@ TEST(LegacyExtraction, AssertsThatTheTypeOfAPresentKindIsOneItKnows) {
                                 .make();
   for (const Attribute& key : keys) {
     SCOPED_TRACE(key);
-    const LegacyPtr parser = uncheckedParser(packet, dictionary());
+    const LegacyPtr parser = uncheckedPacket(packet, dictionary());
     parser->getValueOfAttributesListIs(key);
     const auto reading = [&] { parser->getValuesOfAttributesFromAttributeList(); };
     EXPECT_EQ(outcomeOf(reading),

@@ -11,7 +11,7 @@
 
 #include "tests/support/GoldenPackets.h"
 #include "tests/support/Hex.h"
-#include "tests/support/LegacyParser.h"
+#include "tests/support/LegacyPacket.h"
 #include "tests/support/Vectors.h"
 
 /// The golden packets and those that others published, checked and read by the legacy parser: as
@@ -31,7 +31,7 @@ using TestSupport::otherValues;
 using TestSupport::pktOf;
 using TestSupport::PublishedPacket;
 using TestSupport::shippedDictionary;
-using TestSupport::uncheckedParser;
+using TestSupport::uncheckedPacket;
 using TestSupport::withLength;
 using Verda::Ptr;
 using Verda::String;
@@ -202,7 +202,7 @@ TEST(LegacyPublishedPackets, GiveTheAttributesThatOthersFound) {
       continue;
     }
     SCOPED_TRACE(published.name);
-    const LegacyPtr parser = uncheckedParser(published.packet, octets);
+    const LegacyPtr parser = uncheckedPacket(published.packet, octets);
     std::map<U8, std::vector<ByteVector>> expected;
     for (const auto& attribute : published.attributes) {
       if (attribute.type != vendorSpecific) {
@@ -249,7 +249,7 @@ std::map<Attribute, std::size_t> kindsOf(const ByteVector& packet) {
 
 /// Reads all that can be read, checked or not.
 void expectAllIsRead(const ByteVector& packet) {
-  const LegacyPtr parser = uncheckedParser(packet, shippedDictionary());
+  const LegacyPtr parser = uncheckedPacket(packet, shippedDictionary());
   std::map<Attribute, std::size_t> kinds = kindsOf(packet);
   std::erase_if(kinds, [&](const auto& kind) {
     const auto type = parser->getAttributeType(kind.first);

@@ -13,7 +13,7 @@
 #include "Verda/Exception.h"
 
 #include "tests/support/CatchAssertion.h"
-#include "tests/support/LegacyParser.h"
+#include "tests/support/LegacyPacket.h"
 #include "tests/support/ThrownText.h"
 
 namespace RadiusPacketParser {

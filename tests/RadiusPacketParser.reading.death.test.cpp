@@ -1,6 +1,6 @@
 #include <gtest/gtest.h>
 
-#include "tests/support/LegacyParser.h"
+#include "tests/support/LegacyPacket.h"
 
 namespace RadiusPacketParser {
 namespace {

@@ -7,7 +7,7 @@
 #include <gtest/gtest.h>
 
 #include "tests/support/CatchAssertion.h"
-#include "tests/support/LegacyParser.h"
+#include "tests/support/LegacyPacket.h"
 
 namespace RadiusPacketParser {
 namespace {
@@ -25,7 +25,7 @@ using TestSupport::LegacyPtr;
 using TestSupport::legacyRecord;
 using TestSupport::PacketMaker;
 using TestSupport::pktOf;
-using TestSupport::uncheckedParser;
+using TestSupport::uncheckedPacket;
 using TestSupport::vendorBytes;
 using TestSupport::withLength;
 using Verda::Ptr;
@@ -86,7 +86,7 @@ struct Checked {
 };
 
 Checked check(const ByteVector& packet, const DictPtr& dict = dictionary()) {
-  const LegacyPtr parser = uncheckedParser(packet, dict);
+  const LegacyPtr parser = uncheckedPacket(packet, dict);
   const CapturingSink trace;
   parser->doBasicPacketSanityCheck();
   return {parser->badPkt(), parser->msgAuthPresent(), trace.records(), bytesOf(parser->pkt())};
@@ -125,7 +125,7 @@ ByteVector attributeOfLength(U8 type, std::size_t length) {
 TEST(LegacySetHeader, ReadsCodeIdentifierLengthAndAuthenticator) {
   const ByteVector authenticator{0,    0xff, 0,  1,  2,  0x80, 'a', '"',
                                  '\\', '\n', 10, 11, 12, 13,   0,   0};
-  const LegacyPtr parser = uncheckedParser(
+  const LegacyPtr parser = uncheckedPacket(
       TestSupport::joined({ByteVector{254, 253, 0x12, 0x34}, authenticator}), dictionary());
   EXPECT_EQ(parser->header()->code(), 254);
   EXPECT_EQ(parser->header()->id(), 253);
@@ -138,7 +138,7 @@ TEST(LegacySetHeader, DoesNotCompareTheLengthFieldWithTheBuffer) {
     for (const std::size_t size : {20U, 21U, 5000U}) {
       SCOPED_TRACE(testing::Message() << length << " in " << size << " bytes");
       const CapturingSink trace;
-      const LegacyPtr parser = uncheckedParser(withLength(ByteVector(size), length), dictionary());
+      const LegacyPtr parser = uncheckedPacket(withLength(ByteVector(size), length), dictionary());
       EXPECT_FALSE(parser->badPkt());
       EXPECT_EQ(parser->header()->length(), length);
       EXPECT_EQ(trace.records(), Records());
@@ -150,7 +150,7 @@ TEST(LegacySetHeader, RefusesAPacketShorterThanAHeader) {
   for (std::size_t size = 0; size < headerLength; ++size) {
     SCOPED_TRACE(size);
     const CapturingSink trace;
-    const LegacyPtr parser = uncheckedParser(ByteVector(size, 1), dictionary());
+    const LegacyPtr parser = uncheckedPacket(ByteVector(size, 1), dictionary());
     EXPECT_TRUE(parser->badPkt());
     EXPECT_EQ(parser->header(), nullptr);
     EXPECT_EQ(trace.records(),
@@ -159,7 +159,7 @@ TEST(LegacySetHeader, RefusesAPacketShorterThanAHeader) {
 }
 
 TEST(LegacySetHeader, MakesANewHeaderAndLeavesTheOldOneAsItIs) {
-  const LegacyPtr parser = uncheckedParser(PacketMaker(2).make(), dictionary());
+  const LegacyPtr parser = uncheckedPacket(PacketMaker(2).make(), dictionary());
   const Ptr<RadiusHdr> before = parser->header();
   parser->pkt()->data()[0] = 3;
   parser->setHeader();
@@ -169,7 +169,7 @@ TEST(LegacySetHeader, MakesANewHeaderAndLeavesTheOldOneAsItIs) {
 }
 
 TEST(LegacySetHeader, KeepsTheHeaderThatItHasWhenThePacketIsTooShort) {
-  const LegacyPtr parser = uncheckedParser(PacketMaker(2).make(), dictionary());
+  const LegacyPtr parser = uncheckedPacket(PacketMaker(2).make(), dictionary());
   const Ptr<RadiusHdr> before = parser->header();
   parser->pktIs(pktOf(ByteVector(19)));
   const CapturingSink trace;
@@ -243,7 +243,7 @@ TEST(LegacySanityCheck, AcceptsAPacketOf4096Bytes) {
 }
 
 TEST(LegacySanityCheck, TakesTheLengthFieldFromTheHeaderObject) {
-  const LegacyPtr parser = uncheckedParser(PacketMaker(2).addRaw({1}).make(), dictionary());
+  const LegacyPtr parser = uncheckedPacket(PacketMaker(2).addRaw({1}).make(), dictionary());
   parser->header()->lengthIs(20);
   parser->doBasicPacketSanityCheck();
   EXPECT_FALSE(parser->badPkt());
@@ -286,7 +286,7 @@ TEST(LegacySanityCheck, ReadsAVendorBehindTheBufferAsZeros) {
 }
 
 TEST(LegacySanityCheck, LeavesTheNumberOfBytesOfALyingPacket) {
-  const LegacyPtr parser = uncheckedParser(withLength(ByteVector(20), 4096), dictionary());
+  const LegacyPtr parser = uncheckedPacket(withLength(ByteVector(20), 4096), dictionary());
   const CapturingSink trace;
   parser->doBasicPacketSanityCheck();
   EXPECT_EQ(parser->pkt()->bytes(), 20U);
@@ -571,7 +571,7 @@ TEST(LegacySanityCheck, FindsNoMessageAuthenticatorWhereThereIsNone) {
 
 TEST(LegacySanityCheck, DoesNotForgetAMessageAuthenticator) {
   const LegacyPtr parser =
-      uncheckedParser(PacketMaker(1).addMessageAuthenticator().make(), dictionary());
+      uncheckedPacket(PacketMaker(1).addMessageAuthenticator().make(), dictionary());
   parser->doBasicPacketSanityCheck();
   parser->pktIs(pktOf(PacketMaker(1).add(eapMessage, {1}).make()));
   parser->setHeader();
@@ -655,7 +655,7 @@ TEST(LegacySanityCheck, SurvivesEveryTwoBytesOfAttributes) {
   const CapturingSink silent(Verda::traceOff);
   for (U32 type = 0; type < 256; ++type) {
     for (U32 length = 0; length < 256; ++length) {
-      const LegacyPtr parser = uncheckedParser(
+      const LegacyPtr parser = uncheckedPacket(
           PacketMaker(2).addRaw({static_cast<U8>(type), static_cast<U8>(length)}).make(),
           DictionaryMaker().make());
       parser->doBasicPacketSanityCheck();
@@ -677,7 +677,7 @@ TEST(LegacyValidation, DoesNotDependOnTrace) {
   EXPECT_TRUE(made(PacketMaker(1).add(eapMessage, {1}).make())->badPkt());
   const Ptr<RadiusHdr> request = radiusHdrFactory();
   request->idIs(8);
-  const LegacyPtr parser = uncheckedParser(withLength(PacketMaker(1).make(), 19), dictionary());
+  const LegacyPtr parser = uncheckedPacket(withLength(PacketMaker(1).make(), 19), dictionary());
   EXPECT_FALSE(parser->validatePacketLength());
   EXPECT_FALSE(parser->validatePacketId(request));
   EXPECT_EQ(silent.records(), Records());
@@ -687,7 +687,7 @@ TEST(LegacyValidation, DoesNotDependOnTrace) {
 
 TEST(LegacyAttributeType, IsTheDictionarysForStandardAndVendorAttributes) {
   const CapturingSink trace;
-  const LegacyPtr parser = uncheckedParser(PacketMaker(2).make(), dictionary());
+  const LegacyPtr parser = uncheckedPacket(PacketMaker(2).make(), dictionary());
   for (U8 type = 0; type <= 9; ++type) {
     const auto standard = static_cast<U8>(firstTyped + type);
     EXPECT_EQ(parser->getAttributeType(Attribute(standard, 0, 0)), type);
@@ -698,7 +698,7 @@ TEST(LegacyAttributeType, IsTheDictionarysForStandardAndVendorAttributes) {
 
 TEST(LegacyAttributeType, IsUnknownForWhatTheDictionaryLacks) {
   const CapturingSink trace;
-  const LegacyPtr parser = uncheckedParser(PacketMaker(2).make(), dictionary());
+  const LegacyPtr parser = uncheckedPacket(PacketMaker(2).make(), dictionary());
   for (const Attribute& key :
        {Attribute(unknownType, 0, 0), Attribute(vendorSpecific, 1, unknownVendor),
         Attribute(vendorSpecific, 100, vendor), Attribute(vendorSpecific, 0, 0)}) {
@@ -708,7 +708,7 @@ TEST(LegacyAttributeType, IsUnknownForWhatTheDictionaryLacks) {
 }
 
 TEST(LegacyAttributeType, LooksAtTheVendorOfType26Alone) {
-  const LegacyPtr parser = uncheckedParser(PacketMaker(2).make(), dictionary());
+  const LegacyPtr parser = uncheckedPacket(PacketMaker(2).make(), dictionary());
   EXPECT_EQ(parser->getAttributeType(Attribute(classAttr, 5, vendor)), RadiusAttributeType::octets);
 }
 
@@ -717,7 +717,7 @@ TEST(LegacyAttributeType, LooksAtTheVendorOfType26Alone) {
 TEST(LegacyValidatePacketLength, IsTrueFrom20To4096) {
   const CapturingSink trace;
   for (const std::size_t length : {20U, 21U, 256U, 4095U, 4096U}) {
-    const LegacyPtr parser = uncheckedParser(withLength(ByteVector(20), length), dictionary());
+    const LegacyPtr parser = uncheckedPacket(withLength(ByteVector(20), length), dictionary());
     EXPECT_TRUE(parser->validatePacketLength()) << length;
   }
   EXPECT_EQ(trace.records(), Records());
@@ -733,7 +733,7 @@ TEST(LegacyValidatePacketLength, SaysTheLengthRightBehindTheLastWord) {
                          Row{4097, "Received RADIUS packet with invalid length4097"},
                          Row{65535, "Received RADIUS packet with invalid length65535"}}) {
     const CapturingSink trace;
-    const LegacyPtr parser = uncheckedParser(withLength(ByteVector(20), row.length), dictionary());
+    const LegacyPtr parser = uncheckedPacket(withLength(ByteVector(20), row.length), dictionary());
     EXPECT_FALSE(parser->validatePacketLength());
     EXPECT_FALSE(parser->badPkt());
     EXPECT_EQ(trace.records(), Records{legacyRecord("validatePacketLength", row.text)});
@@ -747,7 +747,7 @@ TEST(LegacyValidatePacketId, IsTrueWhenTheIdentifiersAreEqual) {
     ByteVector packet(20);
     packet[1] = static_cast<U8>(id);
     request->idIs(static_cast<U8>(id));
-    EXPECT_TRUE(uncheckedParser(packet, dictionary())->validatePacketId(request)) << id;
+    EXPECT_TRUE(uncheckedPacket(packet, dictionary())->validatePacketId(request)) << id;
   }
   EXPECT_EQ(trace.records(), Records());
 }
@@ -763,7 +763,7 @@ TEST(LegacyValidatePacketId, SaysBothIdentifiersWhenTheyDiffer) {
                          Row{65, 66, "Received non-matching respPktId: 65 and reqPktId: 66"}}) {
     ByteVector packet(20);
     packet[1] = row.response;
-    const LegacyPtr parser = uncheckedParser(packet, dictionary());
+    const LegacyPtr parser = uncheckedPacket(packet, dictionary());
     const Ptr<RadiusHdr> request = radiusHdrFactory();
     request->idIs(row.request);
     const CapturingSink trace;
@@ -780,7 +780,7 @@ constexpr std::array<U8, 7> forbidden{1, 2, 3, 40, 42, 44, 79};
 /// Whether a packet is a valid Status-Server request, its Message-Authenticator being found.
 bool isStatusServer(const ByteVector& packet) {
   const CapturingSink trace;
-  const LegacyPtr parser = uncheckedParser(packet, dictionary());
+  const LegacyPtr parser = uncheckedPacket(packet, dictionary());
   parser->msgAuthPresentIs(true);
   const bool isValid = parser->validateStatusServerPkt();
   EXPECT_EQ(trace.records(), Records());
@@ -819,7 +819,7 @@ TEST(LegacyStatusServer, WithoutAMessageAuthenticatorLooksAtNothing) {
 TEST(LegacyStatusServer, TakesTheChecksWordForTheMessageAuthenticator) {
   EXPECT_TRUE(isStatusServer(PacketMaker(12).add(classAttr, {1})));
   const LegacyPtr parser =
-      uncheckedParser(PacketMaker(12).addMessageAuthenticator().make(), dictionary());
+      uncheckedPacket(PacketMaker(12).addMessageAuthenticator().make(), dictionary());
   EXPECT_FALSE(parser->validateStatusServerPkt());
 }
 

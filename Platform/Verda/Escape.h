@@ -18,8 +18,8 @@ VERDA_EXPORT void escapeTo(std::string& out, std::string_view text,
 VERDA_EXPORT std::string escaped(std::string_view text, std::string_view alsoEscaped = {});
 
 /// Takes an escape off the front of `text`, which begins behind its backslash, and gives the byte
-/// that it stands for: `n`, `r`, `t`, `xNN`, or a character of `alsoEscaped`. Nothing, and `text` as
-/// it was, when it is none of them.
+/// that it stands for: `n`, `r`, `t`, `xNN`, or a character of `alsoEscaped`. Nothing, and `text`
+/// as it was, when it is none of them.
 VERDA_EXPORT std::optional<char> takeEscape(std::string_view& text,
                                             std::string_view alsoEscaped = {});
 
