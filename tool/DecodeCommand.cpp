@@ -1,8 +1,10 @@
 #include "tool/DecodeCommand.h"
 
 #include <algorithm>
+#include <memory>
 
 #include "tool/JsonOutput.h"
+#include "tool/LegacyDecoder.h"
 #include "tool/PacketDecoder.h"
 #include "tool/PairingDecoder.h"
 #include "tool/Refusal.h"
@@ -23,6 +25,12 @@ constexpr const char* footer =
     "given. Every other packet needs that of the request which it answers: the one of -a, else "
     "that\n"
     "of the nearest request in front of it that has its Identifier and that its code can answer.\n"
+    "\n"
+    "With --legacy, the packet is checked and read through the library's legacy interface: of a\n"
+    "refused packet no attributes are shown, addresses are not shortened, and what the interface\n"
+    "does not read is shown as its bytes, with a warning. A Length field that says more than "
+    "there\n"
+    "is, is warned of, and zeros are read.\n"
     "\n"
     "With --json, text values are escaped as in the text form (\\n, \\xNN, \\\", \\\\) and bytes "
     "are "
@@ -61,6 +69,15 @@ class ReportPrinter {
   ExitCode exitCode_ = ExitCode::success;
 };
 
+std::unique_ptr<Decoder> newDecoder(
+    bool isLegacy, const Verda::Ptr<const RadiusPacketParser::RadiusDict>& dictionary,
+    const Secret& secret) {
+  if (isLegacy) {
+    return std::make_unique<LegacyDecoder>(dictionary, secret);
+  }
+  return std::make_unique<PacketDecoder>(dictionary, secret);
+}
+
 }  // namespace
 
 DecodeCommand::DecodeCommand(CLI::App& program)
@@ -69,6 +86,7 @@ DecodeCommand::DecodeCommand(CLI::App& program)
       dictionary_(app()),
       requestAuthenticator_(app()),
       files_(app()) {
+  app().add_flag("--legacy", legacy_, "Decode through the legacy interface");
   app().add_flag("--json", json_, "Print one JSON object per packet and line");
   app().add_flag("--status-server", outputOptions_.statusServer,
                  "Add the verdict of the Status-Server rules on packets of code 12");
@@ -81,8 +99,8 @@ ExitCode DecodeCommand::run() {
   const Secret secret = secret_.secret();
   const LoadedDictionary loaded = dictionary_.load();
   const std::vector<PacketSource> sources = files_.read();
-  const PacketDecoder decoder(loaded.loader->dictionary(), secret);
-  PairingDecoder pairing(decoder, given);
+  const std::unique_ptr<Decoder> decoder = newDecoder(legacy_, loaded.loader->dictionary(), secret);
+  PairingDecoder pairing(*decoder, given);
   ReportPrinter printer(json_, outputOptions_);
   for (const PacketSource& source : sources) {
     for (std::size_t at = 0; at < source.packets.size(); ++at) {
@@ -90,6 +108,7 @@ ExitCode DecodeCommand::run() {
           pairing.decode({.source = source.name, .index = at + 1}, source.packets[at]);
       printer.print(report);
       complainIfRefused(source, report);
+      complainOfWarnings(report);
     }
   }
   return printer.exitCode();

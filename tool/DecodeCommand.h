@@ -23,6 +23,7 @@ class DecodeCommand final : public Command {
   DictionaryOption dictionary_;
   RequestAuthenticatorOption requestAuthenticator_;
   PacketFilesOption files_;
+  bool legacy_ = false;
   bool json_ = false;
   OutputOptions outputOptions_;
 };

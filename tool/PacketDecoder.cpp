@@ -9,8 +9,7 @@
 #include "RadiusPacketParser/RadiusPktParserTest.h"
 #include "tool/AttributeName.h"
 #include "tool/FaultTrace.h"
-#include "tool/PacketHeader.h"
-#include "tool/RequestAuthenticators.h"
+#include "tool/PacketChecks.h"
 #include "tool/ValueText.h"
 
 namespace RadiusPacketTool {
@@ -91,32 +90,6 @@ class RecordingParser : public StatusServerPktParser {
 
 TYL_ENTITY_TYPE(RecordingParser)
 
-/// What is known of the authenticator of a packet whose header is in order.
-Check checkedAuthenticator(U8 code, ErrorMsg error) {
-  if (hasRandomAuthenticator(code)) {
-    return Check::unchecked;
-  }
-  switch (error) {
-    case ErrorMsg::invalidPktAuth:
-      return Check::wrong;
-    case ErrorMsg::md5GenerationFailed:
-    case ErrorMsg::invalidBytesCopied:
-      return Check::unchecked;
-    default:
-      return Check::verified;
-  }
-}
-
-/// @param present  whether the library took one for good
-Check checkedMessageAuthenticator(U8 code, ErrorMsg error, bool present) {
-  if (!present) {
-    return error == ErrorMsg::invalidMsgAuth ? Check::wrong : Check::absent;
-  }
-  const bool isAccounting =
-      code == RadiusCode::ACCOUNTING_REQUEST || code == RadiusCode::ACCOUNTING_RESPONSE;
-  return isAccounting ? Check::unchecked : Check::verified;
-}
-
 }  // namespace
 
 PacketDecoder::PacketDecoder(const Ptr<const RadiusDict>& dictionary, const Secret& secret)
@@ -131,10 +104,7 @@ PacketReport PacketDecoder::decode(ByteView packet, const Bytes& requestAuthenti
   if (header->errorMsg() != ErrorMsg::success) {
     report.error = header->errorMsg();
     report.reason = trace.reason();
-  } else if (!isRequest(header->hdr()->code()) && requestAuthenticator.empty()) {
-    report.authenticatorCheck = Check::unchecked;
-    report.reason = noRequestAuthenticator;
-  } else {
+  } else if (!lacksRequestAuthenticator(header->hdr()->code(), requestAuthenticator, report)) {
     walk(pkt, *header->hdr(), requestAuthenticator, trace, report);
   }
   return report;
@@ -152,10 +122,7 @@ void PacketDecoder::walk(const Ptr<Zonet::Pkt>& pkt, const RadiusHdr& header,
   if (error != ErrorMsg::success) {
     report.reason = trace.reason();
   }
-  report.messageAuthenticatorPresent = sink->msgAuthPresent();
-  report.authenticatorCheck = checkedAuthenticator(header.code(), error);
-  report.messageAuthenticatorCheck =
-      checkedMessageAuthenticator(header.code(), error, sink->msgAuthPresent());
+  reportChecks(header.code(), error, sink->msgAuthPresent(), report);
   if (header.code() == RadiusCode::STATUS_SERVER) {
     report.statusServer = sink->errorMsg();
   }

@@ -9,25 +9,22 @@
 
 #include "RadiusPacketParser/RadiusDictionaryParser.h"
 #include "RadiusPacketParser/RadiusPktParser.h"
+#include "tool/Decoder.h"
 #include "tool/FaultTrace.h"
 #include "tool/PacketReport.h"
 #include "tool/Secret.h"
 
 namespace RadiusPacketTool {
 
-/// Sends packets down the library's road and reports what came of it. While a packet is decoded all
-/// trace of the process goes into its report, so one decoder at a time may work.
-class PacketDecoder {
+/// Decodes on the road of the newer codec: header, authenticators, attribute walk.
+class PacketDecoder final : public Decoder {
  public:
   /// `secret` must outlive the decoder.
   PacketDecoder(const Verda::Ptr<const RadiusPacketParser::RadiusDict>& dictionary,
                 const Secret& secret);
 
-  /// Decodes one packet, whatever its bytes; `place` and `pairedWith` of the report are left alone.
-  /// @param requestAuthenticator  the authenticator of the request that the packet answers, 16
-  ///                              bytes, or empty when none is known; requests do without
   PacketReport decode(std::span<const Verda::U8> packet,
-                      const Verda::Bytes& requestAuthenticator) const;
+                      const Verda::Bytes& requestAuthenticator) const override;
 
  private:
   /// Decodes a packet whose header is in order and whose Request Authenticator is known if it needs

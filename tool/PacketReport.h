@@ -46,7 +46,7 @@ struct ShownPlain {
 
 using ShownValue = std::variant<ShownNumber, ShownText, ShownBytes, ShownPlain>;
 
-/// One attribute as the hook received it.
+/// One attribute as the library gives it.
 struct ReportedAttribute {
   RadiusPktParserBase::Attribute key;
   std::string name;  ///< that of the dictionary, or one made from the numbers
@@ -89,6 +89,9 @@ struct PacketReport {
   std::optional<RadiusPktParserTest::StatusServerErrorMsg> statusServer;
 
   std::vector<ReportedAttribute> attributes;
+
+  /// What is to be said of the packet although it is no fault.
+  std::vector<std::string> warnings;
 };
 
 /// Whether the packet decodes with `success`.

@@ -4,7 +4,7 @@ namespace RadiusPacketTool {
 
 using Verda::Bytes;
 
-PairingDecoder::PairingDecoder(const PacketDecoder& decoder, const Bytes& given)
+PairingDecoder::PairingDecoder(const Decoder& decoder, const Bytes& given)
     : decoder_(decoder), requests_(given) {}
 
 PacketReport PairingDecoder::decode(const PacketPlace& place, std::span<const Verda::U8> packet) {

@@ -5,7 +5,7 @@
 #include "Verda/Bytes.h"
 #include "Verda/Types.h"
 
-#include "tool/PacketDecoder.h"
+#include "tool/Decoder.h"
 #include "tool/PacketReport.h"
 #include "tool/RequestAuthenticators.h"
 
@@ -18,13 +18,13 @@ class PairingDecoder {
   /// `decoder` must outlive the object.
   /// @param given  the Request Authenticator for all responses, 16 bytes; when it is empty, each is
   ///               paired with a request in front of it
-  PairingDecoder(const PacketDecoder& decoder, const Verda::Bytes& given);
+  PairingDecoder(const Decoder& decoder, const Verda::Bytes& given);
 
   /// Decodes the next packet, whatever its bytes.
   PacketReport decode(const PacketPlace& place, std::span<const Verda::U8> packet);
 
  private:
-  const PacketDecoder& decoder_;
+  const Decoder& decoder_;
   RequestAuthenticators requests_;
 };
 

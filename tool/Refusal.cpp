@@ -28,4 +28,10 @@ void complainIfRefused(const PacketSource& source, const PacketReport& report) {
   explainBinary(source, report);
 }
 
+void complainOfWarnings(const PacketReport& report) {
+  for (const std::string& warning : report.warnings) {
+    complain(fmt::format("{}: warning: {}", placeText(report.place), warning));
+  }
+}
+
 }  // namespace RadiusPacketTool

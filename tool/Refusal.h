@@ -9,4 +9,7 @@ namespace RadiusPacketTool {
 /// cause, why its source was not read as hex.
 void complainIfRefused(const PacketSource& source, const PacketReport& report);
 
+/// Says the warnings of a packet on standard error.
+void complainOfWarnings(const PacketReport& report);
+
 }  // namespace RadiusPacketTool
