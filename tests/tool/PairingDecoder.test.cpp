@@ -7,6 +7,7 @@
 #include "tests/support/PacketMaker.h"
 #include "tests/support/TestDictionary.h"
 #include "tests/support/Walk.h"
+#include "tool/PacketDecoder.h"
 
 namespace RadiusPacketTool {
 namespace {
