@@ -2,6 +2,7 @@
 dictionary."""
 
 import concurrent.futures
+import contextlib
 import os
 import pathlib
 import re
@@ -56,8 +57,9 @@ class Agent:
                                         stderr=subprocess.PIPE)
         self.watchdog = threading.Timer(2 * PATIENCE_SECONDS, self.process.kill)
         self.watchdog.start()
-        self.process.stdin.write(stdin)
-        self.process.stdin.close()
+        with contextlib.suppress(BrokenPipeError):  # one that does not read may have ended
+            self.process.stdin.write(stdin)
+            self.process.stdin.close()
         self.process.stdin = None  # what communicate() would close once more
 
     def __enter__(self):
