@@ -246,10 +246,10 @@ void RadiusPacketParserBase::setRequestAuthenticator(const String& secret) {
   const std::span<U8> packet = TrustedPacket(*pkt(), header_->length()).bytes();
   const std::span<U8> authenticator = authenticatorOf(packet);
   if (Shared::hasRandomAuthenticator(header_->code())) {
-    // NOLINTBEGIN(cert-msc50-cpp,cert-msc51-cpp,concurrency-mt-unsafe): on purpose, as callers know
+    // NOLINTBEGIN(cert-msc*,concurrency-mt-unsafe): on purpose, as callers know
     std::srand(static_cast<unsigned int>(std::time(nullptr)));
     std::ranges::generate(authenticator, [] { return static_cast<U8>(std::rand()); });
-    // NOLINTEND(cert-msc50-cpp,cert-msc51-cpp,concurrency-mt-unsafe)
+    // NOLINTEND(cert-msc*,concurrency-mt-unsafe)
     return;
   }
   Digest digest;
