@@ -17,10 +17,16 @@ write_basic_package_version_file(${CMAKE_CURRENT_BINARY_DIR}/RadiusPacketParserC
 install(FILES ${CMAKE_CURRENT_BINARY_DIR}/RadiusPacketParserConfig.cmake
   ${CMAKE_CURRENT_BINARY_DIR}/RadiusPacketParserConfigVersion.cmake
   DESTINATION ${packageFolder} COMPONENT dev)
+# Found from where the file stands, wherever all of it is put.
+file(RELATIVE_PATH prefixFromPkgConfig ${CMAKE_INSTALL_FULL_LIBDIR}/pkgconfig
+     ${CMAKE_INSTALL_PREFIX})
 configure_file(cmake/radius-packet-parser.pc.in radius-packet-parser.pc @ONLY)
 install(FILES ${CMAKE_CURRENT_BINARY_DIR}/radius-packet-parser.pc
   DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig COMPONENT dev)
 
+if(NOT PROJECT_IS_TOP_LEVEL)
+  return()
+endif()
 set(CPACK_GENERATOR DEB)
 set(CPACK_PACKAGE_NAME radius-packet-parser)
 set(CPACK_PACKAGE_CONTACT "The authors of libRadiusPacketParser <radius-packet-parser@localhost>")
