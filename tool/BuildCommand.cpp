@@ -15,7 +15,7 @@ using Verda::U8;
 
 namespace {
 
-constexpr const char* footer =
+constexpr const char* buildFooter =
     "The text is what decode prints: a header line, then a line NAME = VALUE for each attribute;\n"
     "a blank line between packets; # begins a comment line. Attributes that the dictionary lacks\n"
     "stand as Attr-N = 0x... or Attr-26.VENDOR.TYPE = 0x.... Message-Authenticator asks for one,\n"
@@ -70,7 +70,7 @@ BuildCommand::BuildCommand(CLI::App& program)
       ->type_name("ID")
       ->check(identifierFault, "");
   app().add_option("FILE", file_, "File to read")->type_name("");
-  app().footer(footer);
+  app().footer(buildFooter);
 }
 
 ExitCode BuildCommand::run() {

@@ -14,7 +14,7 @@
 namespace RadiusPacketTool {
 namespace {
 
-constexpr const char* footer =
+constexpr const char* decodeFooter =
     "Hex text: any spacing, `:` and `0x` accepted, `#` begins a comment, a blank line separates\n"
     "packets. Binary: one packet per FILE. With -f auto, a FILE of nothing but hex text is hex, "
     "any\n"
@@ -90,7 +90,7 @@ DecodeCommand::DecodeCommand(CLI::App& program)
   app().add_flag("--json", json_, "Print one JSON object per packet and line");
   app().add_flag("--status-server", outputOptions_.statusServer,
                  "Add the verdict of the Status-Server rules on packets of code 12");
-  app().footer(footer);
+  app().footer(decodeFooter);
 }
 
 ExitCode DecodeCommand::run() {

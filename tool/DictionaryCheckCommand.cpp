@@ -7,7 +7,7 @@
 namespace RadiusPacketTool {
 namespace {
 
-constexpr const char* footer =
+constexpr const char* checkFooter =
     "The loader's warnings go to standard error and change nothing else; a dictionary that does\n"
     "not load prints nothing but its fault.\n"
     "\n"
@@ -22,7 +22,7 @@ DictionaryCheckCommand::DictionaryCheckCommand(CLI::App& dictionaryCommands)
   // Without a default: a script whose variable is empty would be told that our own set is good.
   app().add_option("TOPFILE", path_, "Top file of the dictionary")->type_name("")->required();
   app().add_flag("--json", json_, "Print one JSON object");
-  app().footer(footer);
+  app().footer(checkFooter);
 }
 
 ExitCode DictionaryCheckCommand::run() {

@@ -12,7 +12,7 @@
 namespace RadiusPacketTool {
 namespace {
 
-constexpr const char* footer =
+constexpr const char* editFooter =
     "Packets are read as decode reads them, each is changed in the same way and signed anew. "
     "VALUE\n"
     "stands as decode prints it: text in quotes.\n"
@@ -59,7 +59,7 @@ EditCommand::EditCommand(CLI::App& program)
                           "NAME=VALUE")),
       add_(repeatedOption(app(), "--add", "Attribute to add", "NAME=VALUE")),
       remove_(repeatedOption(app(), "--remove", "Attribute to drop", "NAME")) {
-  app().footer(footer);
+  app().footer(editFooter);
 }
 
 ExitCode EditCommand::run() {

@@ -1,6 +1,7 @@
 // Loads a dictionary, builds a request, parses it on both roads, and prints its length.
 #include <iostream>
 
+#include <RadiusPacketParser/RadiusPacketConstants.h>
 #include <RadiusPacketParser/RadiusPacketParser.h>
 #include <RadiusPacketParser/RadiusPktBuilder.h>
 #include <RadiusPacketParser/RadiusPktParser.h>
