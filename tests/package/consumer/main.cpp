@@ -1,18 +1,17 @@
 // Loads a dictionary, builds a request, parses it on both roads, and prints its length.
 #include <iostream>
 
-#include <RadiusPacketParser/RadiusPacketConstants.h>
-#include <RadiusPacketParser/RadiusPacketParser.h>
-#include <RadiusPacketParser/RadiusPktBuilder.h>
-#include <RadiusPacketParser/RadiusPktParser.h>
+#include "RadiusPacketParser/RadiusPacketConstants.h"
+#include "RadiusPacketParser/RadiusPacketParser.h"
+#include "RadiusPacketParser/RadiusPktBuilder.h"
+#include "RadiusPacketParser/RadiusPktParser.h"
 
 int main(int argc, char** argv) {
   if (argc != 2) {
     std::cerr << "usage: consumer DICTIONARY\n";
     return 64;
   }
-  const auto dictionary =
-      RadiusPacketParser::radiusDictionaryParserFactory(argv[1])->dictionary();
+  const auto dictionary = RadiusPacketParser::radiusDictionaryParserFactory(argv[1])->dictionary();
   const auto name = RadiusPktParserBase::attrWithValueFactory(
       RadiusPktParserBase::standardAttribute(RadiusPacketParser::RadiusAttributeId::USER_NAME));
   name->attrValuePush(Verda::String("nemo"));
