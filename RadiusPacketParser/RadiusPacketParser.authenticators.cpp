@@ -167,8 +167,7 @@ void cryptoHelper(const Ptr<const Zonet::Pkt>& pkt, const Ptr<const RadiusHdr>& 
     const RadiusNode* entry = entryToHide(*dictionary, walk.key());
     if (entry != nullptr && isHidden(*entry)) {
       U8* const lengthByte =
-          walk.attribute() + (walk.isVsa() ? VsaConstants::vendorAttrLengthOffset()
-                                           : AttributeConstants::lengthOffset());
+          walk.attribute() + detail::unitOffset(walk.isVsa()) + AttributeConstants::lengthOffset();
       transformUnit(lengthByte, authenticator, secret, entry->hasTag(), encrypt,
                     entry->attributeEncryptionType());
     }

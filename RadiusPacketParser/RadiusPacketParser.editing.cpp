@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <array>
 #include <cstdlib>
-#include <optional>
 #include <string>
 #include <string_view>
 
@@ -47,8 +46,6 @@ constexpr std::string_view tooLongPacket =
 class EditedPacket {
  public:
   EditedPacket() : buffer_(Zonet::pktBufferFactory(U32{2} * PacketConstants::maxLength())) {}
-
-  std::size_t length() const { return length_; }
 
   /// Appends bytes as they are.
   void append(ByteView bytes) {
@@ -176,15 +173,15 @@ void writePrefix(U8* attr, U8 code, const String& text) {
 }
 
 /// Appends a text in as many attributes as it takes.
-void addFragments(EditedPacket& packet, U8 code, std::string_view text) {
+void addFragments(EditedPacket& packet, U8 code, ByteView text) {
   while (!text.empty()) {
-    const std::string_view piece = text.substr(0, maxValueLength);
+    const ByteView piece = text.first(std::min(text.size(), maxValueLength));
     VERDA_ASSERT_TEXT(!packet.isTooLong(AttributeConstants::valueOffset() + piece.size()),
                       "len + lenToAdd <= PacketConstants::maxLength() && \" Len of the packet "
                       "should be <= 4KB \"");
-    addStrOctetTypes(packet.place(), code, piece, false);
+    writeUnit(packet.place(), code, {}, piece);
     packet.passAttribute();
-    text.remove_prefix(piece.size());
+    text = text.subspan(piece.size());
   }
 }
 
@@ -192,14 +189,13 @@ void addFragments(EditedPacket& packet, U8 code, std::string_view text) {
 bool addText(EditedPacket& packet, U8 code, const String& text, const RadiusDict& dictionary) {
   const RadiusNode* entry = detail::entryOf(dictionary, Attribute(code, 0, 0));
   if (entry->concat()) {
-    addFragments(packet, code, text);
+    addFragments(packet, code, text.bytes());
     return !text.empty();
   }
   if (code == RadiusAttributeId::USER_PASSWORD) {
     Shared::PaddedPassword padded;
     const ZoCrypto::CleanseOnExit clean(padded);
-    addStrOctetTypes(packet.place(), code, String(Shared::padPassword(text.bytes(), padded)),
-                     false);
+    writeUnit(packet.place(), code, {}, Shared::padPassword(text.bytes(), padded));
   } else {
     addStrOctetTypes(packet.place(), code, text, false);
   }
@@ -385,7 +381,7 @@ Ptr<Zonet::Pkt> RadiusPacketParserBase::setValuesOfAttributesFromAttributesToSet
   TrustedPacket old(*pkt(), header_->length());
   EditedPacket edited;
   for (AttributeWalk walk(old); walk.atAttribute();) {
-    if (const std::optional<String> text = attributesToSet(walk.type())) {
+    if (const String* text = attributesToSet().find(walk.type())) {
       writeSet(edited, walk.type(), *text, __func__);
     } else {
       edited.append(walk.bytes());

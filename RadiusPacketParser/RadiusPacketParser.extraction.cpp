@@ -31,7 +31,7 @@ namespace {
 
 constexpr std::size_t tagLength = 1;
 
-/// The bytes in decimal with dots between them; the first is there even when `value` is empty.
+/// The bytes in decimal with dots between them; the first is there even when `length` is 0.
 String dottedText(const U8* first, std::size_t length) {
   std::string text = std::to_string(*first);
   for (const U8 byte : ByteView(first, std::max<std::size_t>(length, 1)).subspan(1)) {
