@@ -155,6 +155,7 @@ void encryptHelper(const String& secret, U8* lengthByte, const Bytes& authentica
 void cryptoHelper(const Ptr<const Zonet::Pkt>& pkt, const Ptr<const RadiusHdr>& header,
                   const String& secret, const Bytes& reqAuth,
                   const Ptr<const RadiusDict>& dictionary, bool encrypt) {
+  VERDA_ASSERT(header && dictionary);
   const bool isRequest = RadiusPktParserBase::isRequest(header->code());
   if (isRequest) {
     assertRequest(reqAuth);
@@ -162,7 +163,7 @@ void cryptoHelper(const Ptr<const Zonet::Pkt>& pkt, const Ptr<const RadiusHdr>& 
     assertResponse(reqAuth);
   }
   const ByteView authenticator = isRequest ? header->authenticator().bytes() : reqAuth.span();
-  TrustedPacket packet(*pkt, header->length());
+  TrustedPacket packet(pkt, header->length());
   for (AttributeWalk walk(packet); walk.atAttribute();) {
     const RadiusNode* entry = entryToHide(*dictionary, walk.key());
     if (entry != nullptr && isHidden(*entry)) {
@@ -187,13 +188,13 @@ void RadiusPacketParserBase::decryptPacket(const String& secret, const Bytes& re
 }
 
 bool RadiusPacketParserBase::validateAuthenticator(const String& secret, const Bytes& reqAuth) {
-  if (Shared::hasRandomAuthenticator(header_->code())) {
+  if (Shared::hasRandomAuthenticator(knownHeader().code())) {
     return true;
   }
   Digest digest;
-  assertDigest(Shared::packetDigest(TrustedPacket(*pkt(), header_->length()).bytes(),
+  assertDigest(Shared::packetDigest(TrustedPacket(pkt(), knownHeader().length()).bytes(),
                                     coveredAuthenticator(reqAuth), secret, digest.data()));
-  const ByteView received = header_->authenticator().bytes();
+  const ByteView received = knownHeader().authenticator().bytes();
   return received.size() >= digest.size() &&
          ZoCrypto::equalInConstantTime(digest, received.first(digest.size()));
 }
@@ -203,7 +204,7 @@ bool RadiusPacketParserBase::validateMessageAuthenticator(const String& secret,
   if (!msgAuthPresent()) {
     return true;
   }
-  const MsgAuthCover cover = Shared::msgAuthCoverOf(header_->code());
+  const MsgAuthCover cover = Shared::msgAuthCoverOf(knownHeader().code());
   switch (cover) {
     case MsgAuthCover::nothing:
       return true;
@@ -218,7 +219,7 @@ bool RadiusPacketParserBase::validateMessageAuthenticator(const String& secret,
       return false;
   }
   const ByteView covered = coveredAuthenticator(reqAuth);
-  TrustedPacket packet(*pkt(), header_->length());
+  TrustedPacket packet(pkt(), knownHeader().length());
   U8* const attr = messageAuthenticatorIn(packet);
   if (attr == nullptr) {
     return false;
@@ -228,7 +229,7 @@ bool RadiusPacketParserBase::validateMessageAuthenticator(const String& secret,
   if (cover == MsgAuthCover::asItStands) {
     signPacket(secret, packet.bytes(), attr, received.data(), computed.data());
   } else {
-    const ByteView own = wholeAuthenticator(header_->authenticator().bytes());
+    const ByteView own = wholeAuthenticator(knownHeader().authenticator().bytes());
     const std::span<U8> authenticator = authenticatorOf(packet.bytes());
     std::ranges::copy(covered, authenticator.begin());
     signPacket(secret, packet.bytes(), attr, received.data(), computed.data());
@@ -238,13 +239,13 @@ bool RadiusPacketParserBase::validateMessageAuthenticator(const String& secret,
 }
 
 void RadiusPacketParserBase::setPacketIdentifier(U8 id) {
-  TrustedPacket(*pkt(), header_->length()).bytes()[PacketConstants::idOffset()] = id;
+  TrustedPacket(pkt(), knownHeader().length()).bytes()[PacketConstants::idOffset()] = id;
 }
 
 void RadiusPacketParserBase::setRequestAuthenticator(const String& secret) {
-  const std::span<U8> packet = TrustedPacket(*pkt(), header_->length()).bytes();
+  const std::span<U8> packet = TrustedPacket(pkt(), knownHeader().length()).bytes();
   const std::span<U8> authenticator = authenticatorOf(packet);
-  if (Shared::hasRandomAuthenticator(header_->code())) {
+  if (Shared::hasRandomAuthenticator(knownHeader().code())) {
     // NOLINTBEGIN(cert-msc*,concurrency-mt-unsafe): on purpose, as callers know
     std::srand(static_cast<unsigned int>(std::time(nullptr)));
     std::ranges::generate(authenticator, [] { return static_cast<U8>(std::rand()); });
@@ -258,7 +259,7 @@ void RadiusPacketParserBase::setRequestAuthenticator(const String& secret) {
 
 void RadiusPacketParserBase::setResponseAuthenticator(const String& secret, const Bytes& reqAuth) {
   assertResponse(reqAuth);
-  const std::span<U8> packet = TrustedPacket(*pkt(), header_->length()).bytes();
+  const std::span<U8> packet = TrustedPacket(pkt(), knownHeader().length()).bytes();
   Digest digest;
   assertDigest(
       Shared::packetDigest(packet, wholeAuthenticator(reqAuth.span()), secret, digest.data()));
@@ -266,12 +267,12 @@ void RadiusPacketParserBase::setResponseAuthenticator(const String& secret, cons
 }
 
 void RadiusPacketParserBase::setMessageAuthenticator(const String& secret, const Bytes& reqAuth) {
-  const bool isRandom = Shared::hasRandomAuthenticator(header_->code());
+  const bool isRandom = Shared::hasRandomAuthenticator(knownHeader().code());
   if (isRandom) {
     assertRequest(reqAuth);
   }
   const ByteView covered = coveredAuthenticator(reqAuth);
-  TrustedPacket packet(*pkt(), header_->length());
+  TrustedPacket packet(pkt(), knownHeader().length());
   U8* const attr = messageAuthenticatorIn(packet);
   if (attr == nullptr) {
     VERDA_TRACE(legacyTrace, Verda::traceErrors, parserClass,

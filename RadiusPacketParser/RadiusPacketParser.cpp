@@ -230,6 +230,11 @@ Ptr<RadiusHdr> RadiusPacketParserBase::headerIs() {
   return header_;
 }
 
+const RadiusHdr& RadiusPacketParserBase::knownHeader() const {
+  VERDA_ASSERT(header());
+  return *header_;
+}
+
 void RadiusPacketParserBase::setHeader() {
   VERDA_ASSERT(pkt());
   Ptr<RadiusHdr> header = radiusHdrFactory();
@@ -244,13 +249,13 @@ void RadiusPacketParserBase::setHeader() {
 
 void RadiusPacketParserBase::doBasicPacketSanityCheck() {
   // Before anything else: a packet that is refused for this makes no storage grow.
-  if (!Shared::isPacketLength(header_->length())) {
+  if (!Shared::isPacketLength(knownHeader().length())) {
     VERDA_TRACE(legacyTrace, Verda::traceErrors, parserClass,
                 "Received packet with invalid header length");
     badPktIs(true);
     return;
   }
-  SanityCheck check(TrustedPacket(*pkt(), header_->length()), *dictionary(), msgAuthPresent());
+  SanityCheck check(TrustedPacket(pkt(), knownHeader().length()), *dictionary(), msgAuthPresent());
   const std::string_view fault = check.run();
   msgAuthPresentIs(check.hasMessageAuthenticator());
   if (!fault.empty()) {
@@ -260,7 +265,7 @@ void RadiusPacketParserBase::doBasicPacketSanityCheck() {
 }
 
 bool RadiusPacketParserBase::validatePacketLength() const {
-  const U16 length = header_->length();
+  const U16 length = knownHeader().length();
   if (Shared::isPacketLength(length)) {
     return true;
   }
@@ -271,11 +276,13 @@ bool RadiusPacketParserBase::validatePacketLength() const {
 
 // NOLINTNEXTLINE(performance-unnecessary-value-param): the interface takes it by value
 bool RadiusPacketParserBase::validatePacketId(Ptr<RadiusHdr> reqHdr) const {
-  if (header_->id() == reqHdr->id()) {
+  VERDA_ASSERT(reqHdr);
+  if (knownHeader().id() == reqHdr->id()) {
     return true;
   }
   VERDA_TRACE(legacyTrace, Verda::traceErrors, parserClass,
-              "Received non-matching respPktId: {} and reqPktId: {}", header_->id(), reqHdr->id());
+              "Received non-matching respPktId: {} and reqPktId: {}", knownHeader().id(),
+              reqHdr->id());
   return false;
 }
 
@@ -283,7 +290,7 @@ bool RadiusPacketParserBase::validateStatusServerPkt() {
   if (!msgAuthPresent()) {
     return false;
   }
-  TrustedPacket packet(*pkt(), header_->length());
+  TrustedPacket packet(pkt(), knownHeader().length());
   for (AttributeWalk walk(packet); walk.atAttribute();) {
     if (Shared::isForbiddenInStatusServer(walk.type()) || !walk.advance()) {
       return false;
@@ -312,6 +319,7 @@ void RadiusPacketParser::handleInitialized() {
 }
 
 Ptr<Zonet::Pkt> RadiusPacketNew::createPacket() const {
+  VERDA_ASSERT(hdr());
   const ByteView authenticator = detail::wholeAuthenticator(hdr()->authenticator().bytes());
   Ptr<Zonet::Pkt> pkt = Zonet::pktFactory(U32{PacketConstants::headerLength()});
   U8* const bytes = pkt->data();

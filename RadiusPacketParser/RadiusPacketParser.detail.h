@@ -4,6 +4,7 @@
 #include <cstddef>
 #include <span>
 
+#include "Verda/Assert.h"
 #include "Verda/Bytes.h"
 #include "Verda/Ptr.h"
 #include "Verda/Trace.h"
@@ -39,8 +40,9 @@ constexpr std::size_t valueOffset(bool isVsa) {
 /// reaches as far as an operation goes: behind the packet's own bytes it is zeros.
 class TrustedPacket {
  public:
-  TrustedPacket(const Zonet::Pkt& pkt, Verda::U16 length)
-      : buffer_(*pkt.buffer()), length_(length) {
+  /// It is asserted that there is a packet ("pkt").
+  TrustedPacket(const Verda::Ptr<const Zonet::Pkt>& pkt, Verda::U16 length)
+      : buffer_(bufferOf(pkt)), length_(length) {
     reachTo(bytes().size());
   }
 
@@ -63,6 +65,11 @@ class TrustedPacket {
   /// sub-attribute's length byte is 1 (its value is then taken for 255 bytes long).
   static constexpr Verda::U32 longestReach =
       VsaConstants::vendorAttrValueOffset() + AttributeConstants::maxLength();
+
+  static Zonet::PktBuffer& bufferOf(const Verda::Ptr<const Zonet::Pkt>& pkt) {
+    VERDA_ASSERT(pkt);
+    return *pkt->buffer();
+  }
 
   /// A packet that lies once pays once.
   void reachTo(std::size_t end) {

@@ -339,7 +339,7 @@ void addIntegerDateTypes(U8* attr, U8 code, String text, bool isVsa) {
 }
 
 Ptr<Zonet::Pkt> RadiusPacketParserBase::addAttribute() {
-  TrustedPacket old(*pkt(), header_->length());
+  TrustedPacket old(pkt(), knownHeader().length());
   EditedPacket edited;
   std::ranges::copy(old.bytes().first(PacketConstants::headerLength()), edited.header());
   constexpr U8 msgAuth = RadiusAttributeId::MESSAGE_AUTHENTICATOR;
@@ -378,7 +378,7 @@ Ptr<Zonet::Pkt> RadiusPacketParserBase::addAttribute() {
 }
 
 Ptr<Zonet::Pkt> RadiusPacketParserBase::setValuesOfAttributesFromAttributesToSet() {
-  TrustedPacket old(*pkt(), header_->length());
+  TrustedPacket old(pkt(), knownHeader().length());
   EditedPacket edited;
   for (AttributeWalk walk(old); walk.atAttribute();) {
     if (const String* text = attributesToSet().find(walk.type())) {
@@ -392,15 +392,15 @@ Ptr<Zonet::Pkt> RadiusPacketParserBase::setValuesOfAttributesFromAttributesToSet
     }
   }
   VERDA_ASSERT_TEXT(!edited.isTooLong(), "l2 <= PacketConstants::maxLength()");
-  writeCodeAndId(*header_, edited.header());
+  writeCodeAndId(knownHeader(), edited.header());
   return edited.finish();
 }
 
 Ptr<Zonet::Pkt> RadiusPacketParserBase::removeAttribute() {
-  TrustedPacket old(*pkt(), header_->length());
+  TrustedPacket old(pkt(), knownHeader().length());
   EditedPacket edited;
   std::ranges::copy(old.bytes().first(PacketConstants::headerLength()), edited.header());
-  writeCodeAndId(*header_, edited.header());
+  writeCodeAndId(knownHeader(), edited.header());
   for (AttributeWalk walk(old); walk.atAttribute();) {
     if (!attributesToRemoveHas(walk.key())) {
       edited.append(walk.bytes());

@@ -142,7 +142,7 @@ void RadiusPacketParserBase::getValuesOfAttributesFromAttributeList() {
   if (badPkt()) {
     return;
   }
-  TrustedPacket packet(*pkt(), header_->length());
+  TrustedPacket packet(pkt(), knownHeader().length());
   for (AttributeWalk walk(packet); walk.atAttribute();) {
     if (getValueOfAttributesListHas(walk.key())) {
       const Reading reading = readValue(walk, *dictionary(), getAttributeType(walk.key()));

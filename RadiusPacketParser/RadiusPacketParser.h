@@ -117,8 +117,9 @@ class VERDA_EXPORT AttrInfo : public Verda::Node {
 /// Where the packet's Length says more than there is, any operation may let the packet's storage
 /// grow: pointers into its bytes are then void.
 ///
-/// Every operation but `setHeader` reads `header`, which must be there. None of them refreshes it:
-/// whoever changes code, length or authenticator in the packet calls `setHeader` again.
+/// Every operation but `setHeader` reads `header`; it is asserted that there is one ("header()").
+/// None of them refreshes it: whoever changes code, length or authenticator in the packet calls
+/// `setHeader` again.
 class VERDA_EXPORT RadiusPacketParserBase : public Verda::Node {
   TYL_ENTITY(RadiusPacketParserBase)
 
@@ -255,6 +256,9 @@ class VERDA_EXPORT RadiusPacketParserBase : public Verda::Node {
   void setMessageAuthenticator(const Verda::String& secret, const Verda::Bytes& reqAuth);
 
  private:
+  /// The header, of which it is asserted that there is one.
+  const RadiusHdr& knownHeader() const;
+
   Verda::Ptr<RadiusHdr> header_;
   bool badPkt_ = false;
 };

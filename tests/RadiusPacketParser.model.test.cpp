@@ -724,5 +724,51 @@ TEST(LegacyPacketNew, MakesAPacketThatPassesTheCheck) {
   EXPECT_EQ(parser->header()->authenticator(), String(std::span<const U8>(countingBytes(16))));
 }
 
+// ---- What is missing ----
+
+/// Everything that can be asked of an object but to read its header.
+template <typename Check>
+void forEachOperation(RadiusPacketParserBase& object, Check check) {
+  const Verda::Bytes none;
+  check("sanity", [&] { object.doBasicPacketSanityCheck(); });
+  check("read", [&] { object.getValuesOfAttributesFromAttributeList(); });
+  check("set", [&] { object.setValuesOfAttributesFromAttributesToSet(); });
+  check("add", [&] { object.addAttribute(); });
+  check("remove", [&] { object.removeAttribute(); });
+  check("authenticator", [&] { object.validateAuthenticator("", none); });
+  check("identifier", [&] { object.setPacketIdentifier(1); });
+  check("request", [&] { object.setRequestAuthenticator(""); });
+  check("message", [&] { object.setMessageAuthenticator("", none); });
+}
+
+TEST(LegacyObject, AssertsThatItHasAHeader) {
+  const auto object = emptyParser();
+  forEachOperation(*object, [](const char* name, auto operation) {
+    SCOPED_TRACE(name);
+    EXPECT_EQ(assertionTextOf(operation), "header()");
+  });
+  EXPECT_EQ(assertionTextOf([&] { object->validatePacketLength(); }), "header()");
+  EXPECT_EQ(assertionTextOf([&] { object->encryptPacket("", {}); }), "header && dictionary");
+}
+
+TEST(LegacyObject, AssertsThatItHasAPacket) {
+  const auto object = radiusPacketParserBaseFactory(dictionary(), nullptr);
+  const auto header = object->headerIs();
+  header->codeIs(4);
+  header->lengthIs(20);
+  forEachOperation(*object, [](const char* name, auto operation) {
+    SCOPED_TRACE(name);
+    EXPECT_EQ(assertionTextOf(operation), "pkt");
+  });
+  EXPECT_EQ(assertionTextOf([&] { object->encryptPacket("", {}); }), "pkt");
+}
+
+TEST(LegacyObject, AssertsThatItIsGivenHeaders) {
+  const auto object = emptyParser();
+  object->setHeader();
+  EXPECT_EQ(assertionTextOf([&] { object->validatePacketId(nullptr); }), "reqHdr");
+  EXPECT_EQ(assertionTextOf([] { radiusPacketNewFactory(nullptr)->createPacket(); }), "hdr()");
+}
+
 }  // namespace
 }  // namespace RadiusPacketParser
