@@ -9,13 +9,13 @@
 
 #include <CLI/CLI.hpp>
 
-#include "tool/BuildCommand.h"
-#include "tool/DecodeCommand.h"
-#include "tool/DictionaryCheckCommand.h"
-#include "tool/EditCommand.h"
-#include "tool/InputFile.h"
-#include "tool/StandardStreams.h"
-#include "tool/ToolError.h"
+#include "tool/commands/BuildCommand.h"
+#include "tool/commands/DecodeCommand.h"
+#include "tool/commands/DictionaryCheckCommand.h"
+#include "tool/commands/EditCommand.h"
+#include "tool/input/InputFile.h"
+#include "tool/process/StandardStreams.h"
+#include "tool/process/ToolError.h"
 
 namespace RadiusPacketTool {
 namespace {

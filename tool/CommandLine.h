@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-#include "tool/ExitCode.h"
+#include "tool/process/ExitCode.h"
 
 namespace RadiusPacketTool {
 

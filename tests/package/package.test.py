@@ -31,11 +31,13 @@ def run(*command, **options):
 
 
 def exported_symbols():
-    """The names that the library exports, but for those of the standard library."""
+    """The names that the library exports, but for those of the standard library, of which each
+    compiler leaves others."""
+    foreign = re.compile(r"((vtable|typeinfo|typeinfo name) for )?std::")
     names = set()
     for line in run("nm", "--dynamic", "--demangle", "--defined-only", LIBRARY).splitlines():
         _, kind, name = line.split(" ", 2)
-        if kind in "TDBRV" and not name.startswith("std::"):
+        if kind in "TDBRV" and not foreign.match(name):
             names.add(name)
     return sorted(names)
 

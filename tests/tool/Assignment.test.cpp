@@ -1,4 +1,4 @@
-#include "tool/Assignment.h"
+#include "tool/making/Assignment.h"
 
 #include <array>
 #include <optional>

@@ -1,4 +1,4 @@
-#include "tool/AttributeNames.h"
+#include "tool/text/AttributeNames.h"
 
 #include <array>
 #include <optional>
@@ -9,7 +9,7 @@
 
 #include "tests/support/TestDictionary.h"
 #include "tests/support/ThrownText.h"
-#include "tool/AttributeName.h"
+#include "tool/text/AttributeName.h"
 
 namespace RadiusPacketTool {
 namespace {

@@ -1,4 +1,4 @@
-#include "tool/BuildPlan.h"
+#include "tool/making/BuildPlan.h"
 
 #include <optional>
 #include <string_view>

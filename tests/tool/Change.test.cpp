@@ -1,4 +1,4 @@
-#include "tool/Change.h"
+#include "tool/making/Change.h"
 
 #include <array>
 #include <string>
@@ -8,7 +8,7 @@
 #include <gtest/gtest.h>
 
 #include "tests/support/TestDictionary.h"
-#include "tool/ToolError.h"
+#include "tool/process/ToolError.h"
 
 namespace RadiusPacketTool {
 namespace {

@@ -1,4 +1,4 @@
-#include "tool/CodeText.h"
+#include "tool/text/CodeText.h"
 
 #include <array>
 #include <optional>

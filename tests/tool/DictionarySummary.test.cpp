@@ -1,4 +1,4 @@
-#include "tool/DictionarySummary.h"
+#include "tool/dictionary/DictionarySummary.h"
 
 #include <string>
 #include <vector>

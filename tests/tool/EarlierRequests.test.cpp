@@ -1,4 +1,4 @@
-#include "tool/EarlierRequests.h"
+#include "tool/decoding/EarlierRequests.h"
 
 #include <cstddef>
 #include <optional>

@@ -1,4 +1,4 @@
-#include "tool/FaultTrace.h"
+#include "tool/process/FaultTrace.h"
 
 #include <gtest/gtest.h>
 

@@ -1,4 +1,4 @@
-#include "tool/HeaderLine.h"
+#include "tool/making/HeaderLine.h"
 
 #include <array>
 #include <optional>

@@ -1,4 +1,4 @@
-#include "tool/HexInput.h"
+#include "tool/input/HexInput.h"
 
 #include <array>
 #include <optional>

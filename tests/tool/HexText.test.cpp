@@ -1,4 +1,4 @@
-#include "tool/HexText.h"
+#include "tool/text/HexText.h"
 
 #include <array>
 

@@ -1,4 +1,4 @@
-#include "tool/JsonOutput.h"
+#include "tool/output/JsonOutput.h"
 
 #include <string>
 

@@ -1,4 +1,4 @@
-#include "tool/LegacyDecoder.h"
+#include "tool/decoding/LegacyDecoder.h"
 
 #include <algorithm>
 #include <array>
@@ -15,10 +15,10 @@
 #include "tests/support/PacketMaker.h"
 #include "tests/support/TestDictionary.h"
 #include "tests/support/Walk.h"
-#include "tool/AttributeName.h"
-#include "tool/JsonOutput.h"
-#include "tool/PacketDecoder.h"
-#include "tool/TextOutput.h"
+#include "tool/decoding/PacketDecoder.h"
+#include "tool/output/JsonOutput.h"
+#include "tool/output/TextOutput.h"
+#include "tool/text/AttributeName.h"
 
 namespace RadiusPacketTool {
 namespace {

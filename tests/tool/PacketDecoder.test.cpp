@@ -1,4 +1,4 @@
-#include "tool/PacketDecoder.h"
+#include "tool/decoding/PacketDecoder.h"
 
 #include <array>
 #include <optional>

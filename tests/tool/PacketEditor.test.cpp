@@ -1,4 +1,4 @@
-#include "tool/PacketEditor.h"
+#include "tool/making/PacketEditor.h"
 
 #include <array>
 #include <string>
@@ -10,7 +10,7 @@
 #include "tests/support/PacketMaker.h"
 #include "tests/support/TestDictionary.h"
 #include "tests/support/Walk.h"
-#include "tool/ToolError.h"
+#include "tool/process/ToolError.h"
 
 namespace RadiusPacketTool {
 namespace {

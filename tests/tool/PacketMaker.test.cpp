@@ -1,4 +1,4 @@
-#include "tool/PacketMaker.h"
+#include "tool/making/PacketMaker.h"
 
 #include <array>
 #include <string>
@@ -11,7 +11,7 @@
 #include "tests/support/PacketMaker.h"
 #include "tests/support/TestDictionary.h"
 #include "tests/support/Walk.h"
-#include "tool/ToolError.h"
+#include "tool/process/ToolError.h"
 
 namespace RadiusPacketTool {
 namespace {

@@ -1,4 +1,4 @@
-#include "tool/PacketSource.h"
+#include "tool/input/PacketSource.h"
 
 #include <algorithm>
 #include <array>

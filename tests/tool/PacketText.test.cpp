@@ -1,4 +1,4 @@
-#include "tool/PacketText.h"
+#include "tool/making/PacketText.h"
 
 #include <algorithm>
 #include <array>

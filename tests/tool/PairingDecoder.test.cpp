@@ -1,4 +1,4 @@
-#include "tool/PairingDecoder.h"
+#include "tool/decoding/PairingDecoder.h"
 
 #include <optional>
 
@@ -7,7 +7,7 @@
 #include "tests/support/PacketMaker.h"
 #include "tests/support/TestDictionary.h"
 #include "tests/support/Walk.h"
-#include "tool/PacketDecoder.h"
+#include "tool/decoding/PacketDecoder.h"
 
 namespace RadiusPacketTool {
 namespace {

@@ -1,4 +1,4 @@
-#include "tool/PlannedBuild.h"
+#include "tool/making/PlannedBuild.h"
 
 #include <array>
 #include <optional>

@@ -1,4 +1,4 @@
-#include "tool/QuotedText.h"
+#include "tool/text/QuotedText.h"
 
 #include <array>
 #include <random>

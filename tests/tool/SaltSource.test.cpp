@@ -1,4 +1,4 @@
-#include "tool/SaltSource.h"
+#include "tool/text/SaltSource.h"
 
 #include <array>
 #include <set>

@@ -6,7 +6,7 @@
 
 #include "RadiusPacketParser/RadiusPktTypes.h"
 #include "tests/support/Digests.h"
-#include "tool/PacketReport.h"
+#include "tool/decoding/PacketReport.h"
 
 namespace RadiusPacketTool {
 

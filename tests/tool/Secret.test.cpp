@@ -1,4 +1,4 @@
-#include "tool/Secret.h"
+#include "tool/input/Secret.h"
 
 #include <array>
 #include <string>
@@ -8,7 +8,7 @@
 
 #include "tests/support/TemporaryFolder.h"
 #include "tests/support/ThrownText.h"
-#include "tool/ToolError.h"
+#include "tool/process/ToolError.h"
 
 namespace RadiusPacketTool {
 namespace {

@@ -1,4 +1,4 @@
-#include "tool/TextOutput.h"
+#include "tool/output/TextOutput.h"
 
 #include <gtest/gtest.h>
 

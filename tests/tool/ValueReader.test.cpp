@@ -1,4 +1,4 @@
-#include "tool/ValueReader.h"
+#include "tool/text/ValueReader.h"
 
 #include <array>
 #include <limits>

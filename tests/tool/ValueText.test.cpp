@@ -1,4 +1,4 @@
-#include "tool/ValueText.h"
+#include "tool/text/ValueText.h"
 
 #include <array>
 #include <cstring>

@@ -1,0 +1,117 @@
+#include "tool/commands/DecodeCommand.h"
+
+#include <algorithm>
+#include <memory>
+
+#include "tool/decoding/LegacyDecoder.h"
+#include "tool/decoding/PacketDecoder.h"
+#include "tool/decoding/PairingDecoder.h"
+#include "tool/output/JsonOutput.h"
+#include "tool/output/Refusal.h"
+#include "tool/output/TextOutput.h"
+#include "tool/process/StandardStreams.h"
+
+namespace RadiusPacketTool {
+namespace {
+
+constexpr const char* decodeFooter =
+    "Hex text: any spacing, `:` and `0x` accepted, `#` begins a comment, a blank line separates\n"
+    "packets. Binary: one packet per FILE. With -f auto, a FILE of nothing but hex text is hex, "
+    "any\n"
+    "other is binary. Without FILE, and for the FILE `-`, standard input is read.\n"
+    "\n"
+    "Requests (codes 1, 4, 12, 40, 43) are decoded without a Request Authenticator, even if one "
+    "is\n"
+    "given. Every other packet needs that of the request which it answers: the one of -a, else "
+    "that\n"
+    "of the nearest request in front of it that has its Identifier and that its code can answer.\n"
+    "\n"
+    "With --legacy, the packet is checked and read through the library's legacy interface: of a\n"
+    "refused packet no attributes are shown, addresses are not shortened, and what the interface\n"
+    "does not read is shown as its bytes, with a warning. A Length field that says more than "
+    "there\n"
+    "is, is warned of, and zeros are read.\n"
+    "\n"
+    "With --json, text values are escaped as in the text form (\\n, \\xNN, \\\", \\\\) and bytes "
+    "are "
+    "hex\n"
+    "digits without 0x; `hex` is the value as on the wire, still hidden.\n"
+    "\n"
+    "Exit status: 0 all packets are good; 1 a check of authenticity failed or could not be made; 2 "
+    "a\n"
+    "packet is refused for another fault; 3 the dictionary does not load; 64 wrong usage; 66\n"
+    "unreadable input; 74 standard output cannot be written.";
+
+/// Prints reports one behind the other.
+class ReportPrinter {
+ public:
+  ReportPrinter(bool json, const OutputOptions& options) : json_(json), options_(options) {}
+
+  void print(const PacketReport& report) {
+    if (json_) {
+      writeOutput(jsonOf(report, options_));
+    } else {
+      if (!isFirst_) {
+        writeOutput("\n");
+      }
+      writeOutput(textOf(report, options_));
+    }
+    isFirst_ = false;
+    exitCode_ = std::max(exitCode_, exitCodeOf(report));
+  }
+
+  ExitCode exitCode() const { return exitCode_; }
+
+ private:
+  bool json_;
+  OutputOptions options_;
+  bool isFirst_ = true;
+  ExitCode exitCode_ = ExitCode::success;
+};
+
+std::unique_ptr<Decoder> newDecoder(
+    bool isLegacy, const Verda::Ptr<const RadiusPacketParser::RadiusDict>& dictionary,
+    const Secret& secret) {
+  if (isLegacy) {
+    return std::make_unique<LegacyDecoder>(dictionary, secret);
+  }
+  return std::make_unique<PacketDecoder>(dictionary, secret);
+}
+
+}  // namespace
+
+DecodeCommand::DecodeCommand(CLI::App& program)
+    : Command(program, "decode", "Decodes received packets and prints what they hold"),
+      secret_(app()),
+      dictionary_(app()),
+      requestAuthenticator_(app()),
+      files_(app()) {
+  app().add_flag("--legacy", legacy_, "Decode through the legacy interface");
+  app().add_flag("--json", json_, "Print one JSON object per packet and line");
+  app().add_flag("--status-server", outputOptions_.statusServer,
+                 "Add the verdict of the Status-Server rules on packets of code 12");
+  app().footer(decodeFooter);
+}
+
+ExitCode DecodeCommand::run() {
+  const Verda::Bytes given = requestAuthenticator_.authenticator();
+  files_.checkStandardInput(secret_);
+  const Secret secret = secret_.secret();
+  const LoadedDictionary loaded = dictionary_.load();
+  const std::vector<PacketSource> sources = files_.read();
+  const std::unique_ptr<Decoder> decoder = newDecoder(legacy_, loaded.loader->dictionary(), secret);
+  PairingDecoder pairing(*decoder, given);
+  ReportPrinter printer(json_, outputOptions_);
+  for (const PacketSource& source : sources) {
+    for (std::size_t at = 0; at < source.packets.size(); ++at) {
+      const PacketReport report =
+          pairing.decode({.source = source.name, .index = at + 1}, source.packets[at]);
+      printer.print(report);
+      complainIfRefused(source, report);
+      complainOfWarnings(report);
+    }
+  }
+  return printer.exitCode();
+}
+
+}  // namespace RadiusPacketTool

@@ -1,0 +1,23 @@
+#pragma once
+
+#include <string>
+
+#include <CLI/CLI.hpp>
+
+#include "tool/commands/Command.h"
+
+namespace RadiusPacketTool {
+
+/// `radius-packet dictionary check`: loads a dictionary and prints what it holds.
+class DictionaryCheckCommand final : public Command {
+ public:
+  explicit DictionaryCheckCommand(CLI::App& dictionaryCommands);
+
+  ExitCode run() override;
+
+ private:
+  std::string path_;
+  bool json_ = false;
+};
+
+}  // namespace RadiusPacketTool

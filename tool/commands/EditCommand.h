@@ -1,0 +1,35 @@
+#pragma once
+
+#include <CLI/CLI.hpp>
+
+#include "tool/commands/Command.h"
+#include "tool/making/Change.h"
+#include "tool/options/DictionaryOption.h"
+#include "tool/options/PacketFilesOption.h"
+#include "tool/options/PacketOutput.h"
+#include "tool/options/RequestAuthenticatorOption.h"
+#include "tool/options/SecretOption.h"
+
+namespace RadiusPacketTool {
+
+/// `radius-packet edit`: changes packets and signs them anew.
+class EditCommand final : public Command {
+ public:
+  explicit EditCommand(CLI::App& program);
+
+  ExitCode run() override;
+
+ private:
+  ChangeTexts changeTexts() const;
+
+  SecretOption secret_;
+  DictionaryOption dictionary_;
+  RequestAuthenticatorOption requestAuthenticator_;
+  PacketFilesOption files_;
+  PacketOutput output_;
+  CLI::Option* set_;
+  CLI::Option* add_;
+  CLI::Option* remove_;
+};
+
+}  // namespace RadiusPacketTool

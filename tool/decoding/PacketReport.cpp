@@ -1,0 +1,41 @@
+#include "tool/decoding/PacketReport.h"
+
+#include <fmt/format.h>
+
+namespace RadiusPacketTool {
+
+using RadiusPktParserBase::ErrorMsg;
+
+ExitCode exitCodeOf(const PacketReport& report) {
+  if (!report.error.has_value()) {
+    return ExitCode::checkFailed;
+  }
+  switch (*report.error) {
+    case ErrorMsg::success:
+      return ExitCode::success;
+    case ErrorMsg::invalidPktAuth:
+    case ErrorMsg::invalidMsgAuth:
+    case ErrorMsg::missingRequiredMsgAuth:
+      return ExitCode::checkFailed;
+    default:
+      return ExitCode::refused;
+  }
+}
+
+std::string placeText(const PacketPlace& place) {
+  return fmt::format("packet {} of {}", place.index, place.source);
+}
+
+std::string faultText(const PacketReport& report) {
+  std::string text;
+  if (report.error.has_value()) {
+    text += stringValue(*report.error).view();
+  }
+  if (report.reason.has_value()) {
+    text += text.empty() ? "" : ": ";
+    text += *report.reason;
+  }
+  return text;
+}
+
+}  // namespace RadiusPacketTool

@@ -1,0 +1,80 @@
+#pragma once
+
+#include <cstddef>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "Verda/Types.h"
+
+#include "RadiusPacketParser/RadiusPktParserTest.h"
+#include "RadiusPacketParser/RadiusPktTypes.h"
+#include "tool/decoding/PacketHeader.h"
+#include "tool/process/ExitCode.h"
+#include "tool/text/ShownValue.h"
+
+namespace RadiusPacketTool {
+
+/// One attribute as the library gives it.
+struct ReportedAttribute {
+  RadiusPktParserBase::Attribute key;
+  std::string name;  ///< that of the dictionary, or one made from the numbers
+  RadiusPacketParser::RadiusAttributeType::RadiusAttributeTypeEnum type =
+      RadiusPacketParser::RadiusAttributeType::unknown;
+  std::optional<Verda::U8> tag;
+  ShownValue value;
+  std::vector<Verda::U8> wire;  ///< the value as on the wire, still hidden
+};
+
+/// What a check found out. `unchecked` stands for what nobody can check or has checked.
+enum class Check : Verda::U8 { absent, unchecked, verified, wrong };
+
+/// Which packet of the input it is.
+struct PacketPlace {
+  std::string source;     ///< the file's name, `-` for standard input
+  std::size_t index = 0;  ///< from 1 within the source
+
+  bool operator==(const PacketPlace&) const = default;
+};
+
+/// All that is known of one packet once it is decoded, whatever it is shown as.
+struct PacketReport {
+  PacketPlace place;
+  PacketHeader header;
+
+  /// The request whose authenticator a response was checked with, if it was found in the input.
+  std::optional<PacketPlace> pairedWith;
+
+  /// Nothing when the packet needs a Request Authenticator and none is given.
+  std::optional<RadiusPktParserBase::ErrorMsg> error;
+  /// The trace text of the check that failed, if it wrote one; or what is missing.
+  std::optional<std::string> reason;
+
+  Check authenticatorCheck = Check::absent;
+  Check messageAuthenticatorCheck = Check::absent;
+  bool messageAuthenticatorPresent = false;  ///< as the library's sink says
+
+  /// The verdict on the attributes below, for a Status-Server packet whose header is in order.
+  std::optional<RadiusPktParserTest::StatusServerErrorMsg> statusServer;
+
+  std::vector<ReportedAttribute> attributes;
+
+  /// What is to be said of the packet although it is no fault.
+  std::vector<std::string> warnings;
+};
+
+/// Whether the packet decodes with `success`.
+inline bool isAccepted(const PacketReport& report) {
+  return report.error == RadiusPktParserBase::ErrorMsg::success;
+}
+
+/// What a packet contributes to the exit code; that of several packets is the greatest.
+ExitCode exitCodeOf(const PacketReport& report);
+
+/// Which packet it is: "packet 2 of file.hex".
+std::string placeText(const PacketPlace& place);
+
+/// The name of the fault, then the reason where there is one.
+std::string faultText(const PacketReport& report);
+
+}  // namespace RadiusPacketTool

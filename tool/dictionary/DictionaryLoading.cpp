@@ -1,0 +1,68 @@
+#include "tool/dictionary/DictionaryLoading.h"
+
+#include <filesystem>
+#include <string_view>
+#include <system_error>
+#include <utility>
+
+#include <fmt/format.h>
+
+#include "Verda/Assert.h"
+
+#include "tool/dictionary/WarningCount.h"
+#include "tool/process/ToolError.h"
+
+namespace RadiusPacketTool {
+namespace {
+
+struct FailedAssertion {
+  std::string text;
+};
+
+/// Makes failed assertions throw `FailedAssertion` while it lives.
+class AssertionsThrow {
+ public:
+  AssertionsThrow()
+      : previous_(Verda::assertionHandlerIs([](const Verda::AssertionFailure& failure) {
+          throw FailedAssertion{std::string(failure.text)};
+        })) {}
+  AssertionsThrow(const AssertionsThrow&) = delete;
+  AssertionsThrow& operator=(const AssertionsThrow&) = delete;
+  ~AssertionsThrow() { Verda::assertionHandlerIs(previous_); }
+
+ private:
+  Verda::AssertionHandler previous_;
+};
+
+/// The library says what is wrong in a line of trace before it fails; of a file that cannot be
+/// opened it says nothing.
+std::string_view explanation(std::string_view assertion) {
+  return assertion == "file.is_open()"
+             ? ": this file, or one that it includes, cannot be opened (file.is_open())"
+             : "";
+}
+
+}  // namespace
+
+std::string defaultDictionaryPath() {
+  std::error_code failure;
+  const std::filesystem::path program = std::filesystem::read_symlink("/proc/self/exe", failure);
+  return (program.parent_path() / DICTIONARY_FROM_PROGRAM).lexically_normal().string();
+}
+
+LoadedDictionary loadDictionary(const std::string& path) {
+  if (path.empty()) {
+    throw ToolError(ExitCode::dictionary, "the dictionary does not load: its name is empty");
+  }
+  const AssertionsThrow assertionsThrow;
+  const WarningCount warnings;
+  try {
+    auto loader = RadiusPacketParser::radiusDictionaryParserFactory(Verda::String(path));
+    return {.loader = std::move(loader), .warnings = warnings.count()};
+  } catch (const FailedAssertion& failure) {
+    throw ToolError(ExitCode::dictionary, fmt::format("the dictionary {} does not load{}", path,
+                                                      explanation(failure.text)));
+  }
+}
+
+}  // namespace RadiusPacketTool

@@ -1,0 +1,30 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include <CLI/CLI.hpp>
+
+#include "tool/input/PacketSource.h"
+#include "tool/options/SecretOption.h"
+
+namespace RadiusPacketTool {
+
+/// `-f FORMAT` and `FILE...`: the packets that a command reads.
+class PacketFilesOption {
+ public:
+  /// Adds the option and the arguments to `command`, which must outlive the object.
+  explicit PacketFilesOption(CLI::App& command);
+
+  /// Throws `ToolError` when both the secret and packets would come from standard input.
+  void checkStandardInput(const SecretOption& secret) const;
+
+  /// Reads all packets. Throws as `readPackets`.
+  std::vector<PacketSource> read() const;
+
+ private:
+  std::string format_ = "auto";
+  std::vector<std::string> files_;
+};
+
+}  // namespace RadiusPacketTool

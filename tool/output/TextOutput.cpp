@@ -1,0 +1,99 @@
+#include "tool/output/TextOutput.h"
+
+#include <iterator>
+#include <string_view>
+#include <variant>
+
+#include <fmt/format.h>
+
+#include "Verda/Escape.h"
+
+#include "RadiusPacketParser/RadiusPacketConstants.h"
+#include "tool/text/HexText.h"
+
+namespace RadiusPacketTool {
+
+using RadiusPacketParser::RadiusCode;
+
+namespace {
+
+std::string_view checkText(Check check) {
+  switch (check) {
+    case Check::absent:
+      return "absent";
+    case Check::unchecked:
+      return "unchecked";
+    case Check::verified:
+      return "verified";
+    case Check::wrong:
+      return "wrong";
+  }
+  return {};
+}
+
+std::string authenticatorText(const PacketReport& report) {
+  std::string text = fmt::format(", authenticator {}", hexText(*report.header.authenticator));
+  if (report.authenticatorCheck != Check::absent) {
+    text += fmt::format(" ({})", checkText(report.authenticatorCheck));
+  }
+  if (report.messageAuthenticatorCheck != Check::absent) {
+    text +=
+        fmt::format(", Message-Authenticator ({})", checkText(report.messageAuthenticatorCheck));
+  }
+  return text;
+}
+
+/// Of a packet shorter than a header, what there is.
+std::string headerLine(const PacketReport& report) {
+  std::string line;
+  if (report.header.code.has_value()) {
+    line += stringValue(static_cast<RadiusCode::RadiusCodeEnum>(*report.header.code)).view();
+  }
+  if (report.header.id.has_value()) {
+    line += fmt::format(", id {}", *report.header.id);
+  }
+  if (report.header.length.has_value()) {
+    line += fmt::format(", length {}", *report.header.length);
+  }
+  if (report.header.authenticator.has_value()) {
+    line += authenticatorText(report);
+  }
+  line += fmt::format(", {}", Verda::escaped(placeText(report.place)));
+  if (report.pairedWith.has_value()) {
+    line += fmt::format(", paired with {}", Verda::escaped(placeText(*report.pairedWith)));
+  }
+  return line + '\n';
+}
+
+struct ValueWriter {
+  std::string operator()(const ShownNumber& number) const {
+    return number.name.empty() ? fmt::format("{}", number.number)
+                               : fmt::format("{} ({})", number.name, number.number);
+  }
+  std::string operator()(const ShownText& text) const {
+    return fmt::format("\"{}\"", text.escaped);
+  }
+  std::string operator()(const ShownBytes& shown) const { return prefixedHex(shown.bytes); }
+  std::string operator()(const ShownPlain& plain) const { return plain.text; }
+};
+
+std::string attributeLine(const ReportedAttribute& attribute) {
+  const std::string tag = attribute.tag.has_value() ? fmt::format(":{}", *attribute.tag) : "";
+  return fmt::format("{}{} = {}\n", Verda::escaped(attribute.name), tag,
+                     std::visit(ValueWriter(), attribute.value));
+}
+
+}  // namespace
+
+std::string textOf(const PacketReport& report, const OutputOptions& options) {
+  std::string text = headerLine(report);
+  if (options.statusServer && report.statusServer.has_value()) {
+    text += fmt::format("Status-Server: {}\n", stringValue(*report.statusServer).view());
+  }
+  for (const ReportedAttribute& attribute : report.attributes) {
+    text += attributeLine(attribute);
+  }
+  return text;
+}
+
+}  // namespace RadiusPacketTool
