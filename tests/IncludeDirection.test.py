@@ -30,7 +30,8 @@ STANDS_ON = {
     # what the command line offers of it. Each folder is a layer.
     "tool/process": ["RadiusPktBuilder", "RadiusPktParserTest", "RadiusPacketParser"],
     "tool/text": ["tool/process"],
-    "tool/input": ["tool/text"],
+    "tool/capture": ["tool/text"],
+    "tool/input": ["tool/capture"],
     "tool/dictionary": ["tool/text"],
     "tool/decoding": ["tool/input"],
     "tool/output": ["tool/decoding"],

@@ -19,7 +19,7 @@ TEST(JsonOutput, WritesAGoodPacketOnOneLine) {
   report.messageAuthenticatorPresent = true;
   EXPECT_EQ(
       jsonOf(report),
-      R"({"source":"file.hex","index":2,"code":2,"codeName":"ACCESS_ACCEPT","id":7,)"
+      R"({"schema":1,"kind":"packet","source":"file.hex","index":2,"code":2,"codeName":"ACCESS_ACCEPT","id":7,)"
       R"("length":20,"authenticator":"000102030405060708090a0b0c0d0e0f","pairedWith":null,"error":"success",)"
       R"("reason":null,"messageAuthenticator":true,"attributes":[]})"
       "\n");
@@ -37,7 +37,7 @@ TEST(JsonOutput, WritesTheStatusServerVerdictWhereItIsAskedFor) {
   report.statusServer = StatusServerErrorMsg::msgAuthNotPresent;
   EXPECT_EQ(
       jsonOf(report, {.statusServer = true}),
-      R"({"source":"file.hex","index":2,"code":2,"codeName":"ACCESS_ACCEPT","id":7,)"
+      R"({"schema":1,"kind":"packet","source":"file.hex","index":2,"code":2,"codeName":"ACCESS_ACCEPT","id":7,)"
       R"("length":20,"authenticator":"000102030405060708090a0b0c0d0e0f","pairedWith":null,"error":"success",)"
       R"("reason":null,"messageAuthenticator":false,"statusServer":"msgAuthNotPresent",)"
       R"("attributes":[]})"
@@ -57,12 +57,13 @@ TEST(JsonOutput, WritesNullForWhatAShortPacketLacks) {
   report.place.index = 1;
   report.error = ErrorMsg::invalidPktLength;
   report.reason = "Packet has invalid length: 0";
-  EXPECT_EQ(jsonOf(report),
-            R"({"source":"-","index":1,"code":null,"codeName":null,"id":null,"length":null,)"
-            R"("authenticator":null,"pairedWith":null,"error":"invalidPktLength",)"
-            R"("reason":"Packet has invalid length: 0","messageAuthenticator":false,)"
-            R"("attributes":[]})"
-            "\n");
+  EXPECT_EQ(
+      jsonOf(report),
+      R"({"schema":1,"kind":"packet","source":"-","index":1,"code":null,"codeName":null,"id":null,"length":null,)"
+      R"("authenticator":null,"pairedWith":null,"error":"invalidPktLength",)"
+      R"("reason":"Packet has invalid length: 0","messageAuthenticator":false,)"
+      R"("attributes":[]})"
+      "\n");
 }
 
 TEST(JsonOutput, WritesNullForTheErrorOfAPacketThatWasNotDecoded) {
@@ -80,13 +81,18 @@ TEST(JsonOutput, WritesAttributesInOrder) {
                        sampleAttribute("Attr-26.9.1", ShownText{R"(a\"\\\x00)"})};
   report.attributes[0].type = RadiusPacketParser::RadiusAttributeType::integer;
   report.attributes[0].wire = {0, 0xff, 0xff, 0xff};
+  report.attributes[0].offset = 20;
+  report.attributes[0].length = 6;
   report.attributes[1].key = vendorAttribute(4294967295U, 255);
+  report.attributes[1].offset = 26;
+  report.attributes[1].length = 255;
   const auto json = nlohmann::ordered_json::parse(jsonOf(report));
-  EXPECT_EQ(json.at("attributes").dump(),
-            R"([{"attrId":250,"vendorId":0,"vendorAttrId":0,"name":"Tunnel-Type",)"
-            R"("type":"integer","tag":0,"value":16777215,"hex":"00ffffff"},)"
-            R"({"attrId":26,"vendorId":4294967295,"vendorAttrId":255,"name":"Attr-26.9.1",)"
-            R"("type":"unknown","tag":null,"value":"a\\\"\\\\\\x00","hex":""}])");
+  EXPECT_EQ(
+      json.at("attributes").dump(),
+      R"([{"offset":20,"length":6,"attrId":250,"vendorId":0,"vendorAttrId":0,"name":"Tunnel-Type",)"
+      R"("type":"integer","tag":0,"value":16777215,"redacted":false,"hex":"00ffffff"},)"
+      R"({"offset":26,"length":255,"attrId":26,"vendorId":4294967295,"vendorAttrId":255,"name":"Attr-26.9.1",)"
+      R"("type":"unknown","tag":null,"value":"a\\\"\\\\\\x00","redacted":false,"hex":""}])");
 }
 
 TEST(JsonOutput, WritesBytesAsBareDigits) {
@@ -98,6 +104,21 @@ TEST(JsonOutput, WritesBytesAsBareDigits) {
   EXPECT_EQ(attributes.at(0).at("value"), "00abff");
   EXPECT_EQ(attributes.at(1).at("value"), "");
   EXPECT_EQ(attributes.at(2).at("value"), "0xff");
+}
+
+TEST(JsonOutput, KeepsRevealedValuesToItselfWhereThatIsAskedFor) {
+  PacketReport report = sampleReport();
+  report.attributes = {sampleAttribute("User-Password", ShownText{"secret"}),
+                       sampleAttribute("User-Name", ShownText{"nemo"})};
+  report.attributes[0].isRevealed = true;
+  const auto shown = nlohmann::json::parse(jsonOf(report)).at("attributes");
+  EXPECT_EQ(shown.at(0).at("value"), "secret");
+  EXPECT_EQ(shown.at(0).at("redacted"), false);
+  const auto redacted = nlohmann::json::parse(jsonOf(report, {.redact = true})).at("attributes");
+  EXPECT_EQ(redacted.at(0).at("value"), nullptr);
+  EXPECT_EQ(redacted.at(0).at("redacted"), true);
+  EXPECT_EQ(redacted.at(1).at("value"), "nemo");
+  EXPECT_EQ(redacted.at(1).at("redacted"), false);
 }
 
 TEST(JsonOutput, EscapesTheLineEndsOfUnicode) {

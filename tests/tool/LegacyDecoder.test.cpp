@@ -53,7 +53,7 @@ PacketReport decoded(const ByteVector& packet, const ByteVector& requestAuthenti
                      const DictPtr& dictionary = shippedDictionary(),
                      const std::string& secretText = testSecret) {
   const Secret secret(secretText);
-  return LegacyDecoder(dictionary, secret).decode(packet, verdaBytes(requestAuthenticator));
+  return LegacyDecoder(dictionary).decode(packet, secret, verdaBytes(requestAuthenticator));
 }
 
 /// The lines of the attributes as they are printed.
@@ -124,8 +124,8 @@ struct BothRoads {
       : legacy(decoded(golden.packet, golden.requestAuthenticator, shippedDictionary(),
                        golden.secretText())) {
     const Secret secret(golden.secretText());
-    newer = PacketDecoder(shippedDictionary(), secret)
-                .decode(golden.packet, verdaBytes(golden.requestAuthenticator));
+    newer = PacketDecoder(shippedDictionary())
+                .decode(golden.packet, secret, verdaBytes(golden.requestAuthenticator));
   }
 
   PacketReport legacy;
@@ -262,7 +262,7 @@ TEST(LegacyDecoder, SaysWhatWasCheckedAndWhyAPacketIsRefused) {
 
 TEST(LegacyDecoder, MissingRequestAuthenticatorIsReportedAsOnTheNewerRoad) {
   const Secret secret(testSecret);
-  const PacketDecoder newer(shippedDictionary(), secret);
+  const PacketDecoder newer(shippedDictionary());
   for (const U8 code : std::to_array<U8>({0, 2, 3, 5, 6, 11, 13, 41, 42, 44, 45, 255})) {
     for (const ByteVector& broken : {ByteVector(), ByteVector{1}}) {
       SCOPED_TRACE(int{code});
@@ -271,8 +271,8 @@ TEST(LegacyDecoder, MissingRequestAuthenticatorIsReportedAsOnTheNewerRoad) {
       const PacketReport report = decoded(packet, {});
       EXPECT_EQ(report.error, std::nullopt);
       EXPECT_EQ(exitCodeOf(report), ExitCode::checkFailed);
-      EXPECT_EQ(textOf(report, {}), textOf(newer.decode(packet, {}), {}));
-      EXPECT_EQ(jsonOf(report, {}), jsonOf(newer.decode(packet, {}), {}));
+      EXPECT_EQ(textOf(report, {}), textOf(newer.decode(packet, secret, {}), {}));
+      EXPECT_EQ(jsonOf(report, {}), jsonOf(newer.decode(packet, secret, {}), {}));
     }
   }
 }

@@ -40,7 +40,7 @@ PacketReport decoded(const ByteVector& packet, const ByteVector& requestAuthenti
                      const DictPtr& dictionary = shippedDictionary(),
                      const std::string& secretText = testSecret) {
   const Secret secret(secretText);
-  return PacketDecoder(dictionary, secret).decode(packet, verdaBytes(requestAuthenticator));
+  return PacketDecoder(dictionary).decode(packet, secret, verdaBytes(requestAuthenticator));
 }
 
 std::optional<std::string> optionalText(const std::string& text) {
@@ -349,10 +349,10 @@ TEST(PacketDecoder, GivesTheLibrarysVerdictOnStatusServerPacketsAlone) {
 
 TEST(PacketDecoder, JudgesEveryPacketAnew) {
   const Secret secret(testSecret);
-  const PacketDecoder decoder(shippedDictionary(), secret);
-  EXPECT_EQ(decoder.decode(PacketMaker(statusServer).add(1, {'a'}).make(), {}).statusServer,
+  const PacketDecoder decoder(shippedDictionary());
+  EXPECT_EQ(decoder.decode(PacketMaker(statusServer).add(1, {'a'}).make(), secret, {}).statusServer,
             StatusServerErrorMsg::invalidAttributePresent);
-  EXPECT_EQ(decoder.decode(PacketMaker(statusServer).make(), {}).statusServer,
+  EXPECT_EQ(decoder.decode(PacketMaker(statusServer).make(), secret, {}).statusServer,
             StatusServerErrorMsg::success);
 }
 

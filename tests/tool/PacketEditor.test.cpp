@@ -26,12 +26,15 @@ using TestSupport::verdaBytes;
 /// Changes packets one behind the other.
 std::vector<EditedPacket> editedAll(const std::vector<ByteVector>& packets,
                                     const ChangeTexts& texts, const ByteVector& given = {}) {
-  const Secret secret(testSecret);
-  PacketEditor editor(shippedDictionary(), secret, verdaBytes(given),
+  const Secrets secrets(std::make_unique<const Secret>(testSecret));
+  PacketEditor editor(shippedDictionary(), secrets, verdaBytes(given),
                       changesOf(texts, AttributeNames(shippedDictionary())));
   std::vector<EditedPacket> edited;
   for (const ByteVector& packet : packets) {
-    edited.push_back(editor.edit({.source = "x", .index = edited.size() + 1}, packet));
+    edited.push_back(editor.edit({.place = {.source = "x", .index = edited.size() + 1},
+                                  .bytes = packet,
+                                  .datagram = std::nullopt,
+                                  .whyBinary = std::nullopt}));
   }
   return edited;
 }

@@ -1,5 +1,6 @@
 #include "tool/output/TextOutput.h"
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include "tests/tool/SampleReport.h"
@@ -64,6 +65,17 @@ TEST(TextOutput, PrintsOneLineForEachAttribute) {
                                 "State = 0x01ab\n"
                                 "State = 0x\n"
                                 "NAS-IP-Address = 192.0.2.1\n");
+}
+
+TEST(TextOutput, KeepsRevealedValuesToItselfWhereThatIsAskedFor) {
+  PacketReport report = sampleReport();
+  report.attributes = {sampleAttribute("User-Password", ShownText{"secret"}),
+                       sampleAttribute("User-Name", ShownText{"nemo"})};
+  report.attributes[0].isRevealed = true;
+  EXPECT_THAT(textOf(report), testing::EndsWith("User-Password = \"secret\"\n"
+                                                "User-Name = \"nemo\"\n"));
+  EXPECT_THAT(textOf(report, {.redact = true}), testing::EndsWith("User-Password = (redacted)\n"
+                                                                  "User-Name = \"nemo\"\n"));
 }
 
 TEST(TextOutput, PrintsTagsBehindTheName) {

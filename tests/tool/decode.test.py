@@ -28,10 +28,13 @@ DICTIONARIES = DATA.parent.parent / "dictionaries"
 GOLDEN_COUNT = golden_count(DATA)
 CHECK_FAILED = ("invalidPktAuth", "invalidMsgAuth", "missingRequiredMsgAuth")
 PACKET_KEYS = [
-    "source", "index", "code", "codeName", "id", "length", "authenticator", "pairedWith", "error",
-    "reason", "messageAuthenticator", "attributes",
+    "schema", "kind", "source", "index", "code", "codeName", "id", "length", "authenticator",
+    "pairedWith", "error", "reason", "messageAuthenticator", "attributes",
 ]
-ATTRIBUTE_KEYS = ["attrId", "vendorId", "vendorAttrId", "name", "type", "tag", "value", "hex"]
+ATTRIBUTE_KEYS = [
+    "offset", "length", "attrId", "vendorId", "vendorAttrId", "name", "type", "tag", "value",
+    "redacted", "hex",
+]
 MISSING = "no Request Authenticator: give that of the request which this packet answers with -a HEX"
 
 
@@ -104,8 +107,10 @@ def shown_bytes(value, kind, flags):
     return tag, escaped(value) if kind == "string" else value.hex()
 
 
-def shown(directive, wire):
-    """What JSON says of an attribute that the hook received as `directive` says."""
+def shown(directive, place, wire):
+    """What JSON says of an attribute that the hook received as `directive` says.
+
+    `place` is offset and length of the attribute, `wire` its value there."""
     numbers, name, kind, *rest = directive.split(" ")
     key = tuple(int(number) for number in numbers.split("."))
     flags, delivered = FLAGS.get(key, []), rest[0] if rest else ""
@@ -126,7 +131,16 @@ def shown(directive, wire):
         value = ipaddress.IPv6Address(delivered).exploded[-19:]
     else:
         value = delivered
-    return dict(zip(ATTRIBUTE_KEYS, [*key, name, kind, tag, value, wire.hex()]))
+    return dict(zip(ATTRIBUTE_KEYS, [*place, *key, name, kind, tag, value, False, wire.hex()]))
+
+
+def places_of(packet, count):
+    """Offset and length of the first attributes of a packet."""
+    places, offset = [], 20
+    for _ in range(count):
+        places.append((offset, packet[offset + 1]))
+        offset += packet[offset + 1]
+    return places
 
 
 def wire_values(content):
@@ -159,7 +173,8 @@ class GoldenPackets(unittest.TestCase):
         self.assertEqual(report["reason"], golden.reason or None)
         wire = [bytes.fromhex(entry["hex"]) for entry in report["attributes"]]
         self.assertEqual(len(wire), len(golden.attributes))
-        self.assertEqual(report["attributes"], list(map(shown, golden.attributes, wire)))
+        places = places_of(golden.packet, len(wire))
+        self.assertEqual(report["attributes"], list(map(shown, golden.attributes, places, wire)))
         if golden.result == "success":
             self.assertEqual(wire, wire_values(golden.packet[20:report["length"]]))
             self.assertEqual((result.status, result.errors), (0, ""))
@@ -1042,9 +1057,10 @@ class Output(unittest.TestCase):
                           "Attr-26.311.255 = 0x62"])
         self.assertEqual([entry["value"] for entry in self.json(*attributes)], ["61", "", "62"])
         self.assertEqual(self.json(*attributes)[1],
-                         {"attrId": 26, "vendorId": 4294967295, "vendorAttrId": 255,
-                          "name": "Attr-26.4294967295.255", "type": "unknown", "tag": None,
-                          "value": "", "hex": ""})
+                         {"offset": 23, "length": 8, "attrId": 26, "vendorId": 4294967295,
+                          "vendorAttrId": 255, "name": "Attr-26.4294967295.255",
+                          "type": "unknown", "tag": None, "value": "", "redacted": False,
+                          "hex": ""})
 
     def test_addresses_are_text(self):
         self.assertEqual(

@@ -2,10 +2,11 @@
 
 #include <algorithm>
 #include <memory>
+#include <optional>
 
+#include "tool/decoding/Exchanges.h"
 #include "tool/decoding/LegacyDecoder.h"
 #include "tool/decoding/PacketDecoder.h"
-#include "tool/decoding/PairingDecoder.h"
 #include "tool/output/JsonOutput.h"
 #include "tool/output/Refusal.h"
 #include "tool/output/TextOutput.h"
@@ -70,22 +71,19 @@ class ReportPrinter {
 };
 
 std::unique_ptr<Decoder> newDecoder(
-    bool isLegacy, const Verda::Ptr<const RadiusPacketParser::RadiusDict>& dictionary,
-    const Secret& secret) {
+    bool isLegacy, const Verda::Ptr<const RadiusPacketParser::RadiusDict>& dictionary) {
   if (isLegacy) {
-    return std::make_unique<LegacyDecoder>(dictionary, secret);
+    return std::make_unique<LegacyDecoder>(dictionary);
   }
-  return std::make_unique<PacketDecoder>(dictionary, secret);
+  return std::make_unique<PacketDecoder>(dictionary);
 }
 
 }  // namespace
 
 DecodeCommand::DecodeCommand(CLI::App& program)
     : Command(program, "decode", "Decodes received packets and prints what they hold"),
-      secret_(app()),
-      dictionary_(app()),
-      requestAuthenticator_(app()),
-      files_(app()) {
+      packets_(app()),
+      redact_(app()) {
   app().add_flag("--legacy", legacy_, "Decode through the legacy interface");
   app().add_flag("--json", json_, "Print one JSON object per packet and line");
   app().add_flag("--status-server", outputOptions_.statusServer,
@@ -94,22 +92,16 @@ DecodeCommand::DecodeCommand(CLI::App& program)
 }
 
 ExitCode DecodeCommand::run() {
-  const Verda::Bytes given = requestAuthenticator_.authenticator();
-  files_.checkStandardInput(secret_);
-  const Secret secret = secret_.secret();
-  const LoadedDictionary loaded = dictionary_.load();
-  const std::vector<PacketSource> sources = files_.read();
-  const std::unique_ptr<Decoder> decoder = newDecoder(legacy_, loaded.loader->dictionary(), secret);
-  PairingDecoder pairing(*decoder, given);
+  outputOptions_.redact = redact_.redacts();
+  OpenedInput input(packets_);
+  const std::unique_ptr<Decoder> decoder = newDecoder(legacy_, input.dictionary());
+  Exchanges exchanges(input.secrets(), input.givenAuthenticator());
   ReportPrinter printer(json_, outputOptions_);
-  for (const PacketSource& source : sources) {
-    for (std::size_t at = 0; at < source.packets.size(); ++at) {
-      const PacketReport report =
-          pairing.decode({.source = source.name, .index = at + 1}, source.packets[at]);
-      printer.print(report);
-      complainIfRefused(source, report);
-      complainOfWarnings(report);
-    }
+  while (const std::optional<InputPacket> packet = input.packets().next()) {
+    const PacketReport report = reportOf(*decoder, *packet, exchanges.next(*packet));
+    printer.print(report);
+    complainIfRefused(*packet, report);
+    complainOfWarnings(report);
   }
   return printer.exitCode();
 }

@@ -3,10 +3,8 @@
 #include <CLI/CLI.hpp>
 
 #include "tool/commands/Command.h"
-#include "tool/options/DictionaryOption.h"
-#include "tool/options/PacketFilesOption.h"
-#include "tool/options/RequestAuthenticatorOption.h"
-#include "tool/options/SecretOption.h"
+#include "tool/options/PacketOptions.h"
+#include "tool/options/RedactOption.h"
 #include "tool/output/OutputOptions.h"
 
 namespace RadiusPacketTool {
@@ -19,10 +17,8 @@ class DecodeCommand final : public Command {
   ExitCode run() override;
 
  private:
-  SecretOption secret_;
-  DictionaryOption dictionary_;
-  RequestAuthenticatorOption requestAuthenticator_;
-  PacketFilesOption files_;
+  PacketOptions packets_;
+  RedactOption redact_;
   bool legacy_ = false;
   bool json_ = false;
   OutputOptions outputOptions_;

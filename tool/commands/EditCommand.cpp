@@ -1,6 +1,7 @@
 #include "tool/commands/EditCommand.h"
 
 #include <algorithm>
+#include <optional>
 #include <string>
 #include <utility>
 #include <vector>
@@ -50,10 +51,7 @@ CLI::Option* repeatedOption(CLI::App& command, const std::string& name,
 
 EditCommand::EditCommand(CLI::App& program)
     : Command(program, "edit", "Changes packets and signs them anew"),
-      secret_(app()),
-      dictionary_(app()),
-      requestAuthenticator_(app()),
-      files_(app()),
+      packets_(app()),
       output_(app()),
       set_(repeatedOption(app(), "--set", "Attribute to overwrite, or to add when there is none",
                           "NAME=VALUE")),
@@ -63,23 +61,18 @@ EditCommand::EditCommand(CLI::App& program)
 }
 
 ExitCode EditCommand::run() {
-  const Verda::Bytes given = requestAuthenticator_.authenticator();
   const ChangeTexts texts = changeTexts();
-  files_.checkStandardInput(secret_);
-  const Secret secret = secret_.secret();
-  const LoadedDictionary loaded = dictionary_.load();
-  const auto dictionary = loaded.loader->dictionary();
-  PacketEditor editor(dictionary, secret, given, changesOf(texts, AttributeNames(dictionary)));
+  OpenedInput input(packets_);
+  const auto dictionary = input.dictionary();
+  PacketEditor editor(dictionary, input.secrets(), input.givenAuthenticator(),
+                      changesOf(texts, AttributeNames(dictionary)));
   std::vector<MadePacket> packets;
   ExitCode exitCode = ExitCode::success;
-  for (const PacketSource& source : files_.read()) {
-    for (std::size_t at = 0; at < source.packets.size(); ++at) {
-      EditedPacket edited =
-          editor.edit({.source = source.name, .index = at + 1}, source.packets[at]);
-      complainIfRefused(source, edited.report);
-      exitCode = std::max(exitCode, exitCodeOf(edited.report));
-      packets.push_back(std::move(edited.made));
-    }
+  while (const std::optional<InputPacket> packet = input.packets().next()) {
+    EditedPacket edited = editor.edit(*packet);
+    complainIfRefused(*packet, edited.report);
+    exitCode = std::max(exitCode, exitCodeOf(edited.report));
+    packets.push_back(std::move(edited.made));
   }
   if (exitCode == ExitCode::success) {
     output_.write(packets);

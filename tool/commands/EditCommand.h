@@ -4,11 +4,8 @@
 
 #include "tool/commands/Command.h"
 #include "tool/making/Change.h"
-#include "tool/options/DictionaryOption.h"
-#include "tool/options/PacketFilesOption.h"
+#include "tool/options/PacketOptions.h"
 #include "tool/options/PacketOutput.h"
-#include "tool/options/RequestAuthenticatorOption.h"
-#include "tool/options/SecretOption.h"
 
 namespace RadiusPacketTool {
 
@@ -22,10 +19,7 @@ class EditCommand final : public Command {
  private:
   ChangeTexts changeTexts() const;
 
-  SecretOption secret_;
-  DictionaryOption dictionary_;
-  RequestAuthenticatorOption requestAuthenticator_;
-  PacketFilesOption files_;
+  PacketOptions packets_;
   PacketOutput output_;
   CLI::Option* set_;
   CLI::Option* add_;

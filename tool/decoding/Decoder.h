@@ -6,6 +6,7 @@
 #include "Verda/Types.h"
 
 #include "tool/decoding/PacketReport.h"
+#include "tool/input/Secret.h"
 
 namespace RadiusPacketTool {
 
@@ -18,7 +19,7 @@ class Decoder {
   /// Decodes one packet, whatever its bytes; `place` and `pairedWith` of the report are left alone.
   /// @param requestAuthenticator  the authenticator of the request that the packet answers, 16
   ///                              bytes, or empty when none is known; requests do without
-  virtual PacketReport decode(std::span<const Verda::U8> packet,
+  virtual PacketReport decode(std::span<const Verda::U8> packet, const Secret& secret,
                               const Verda::Bytes& requestAuthenticator) const = 0;
 };
 

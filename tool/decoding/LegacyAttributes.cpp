@@ -19,6 +19,7 @@
 namespace RadiusPacketTool {
 
 using RadiusPacketParser::AttributeConstants;
+using RadiusPacketParser::PacketConstants;
 using RadiusPacketParser::RadiusAttributeId;
 using RadiusPacketParser::RadiusAttributeType;
 using RadiusPacketParser::VsaConstants;
@@ -41,6 +42,7 @@ using LegacyKey = RadiusPacketParser::Attribute;
 struct WireAttribute {
   Attribute key;
   ByteView value;
+  std::size_t length = 0;  ///< of the whole attribute
   /// A vendor's own Length byte, where it says anything else.
   std::optional<U8> otherLength;
 
@@ -56,6 +58,7 @@ WireAttribute wireAttributeOf(ByteView attribute) {
   if (type != RadiusAttributeId::VENDOR_SPECIFIC) {
     return {.key = RadiusPktParserBase::standardAttribute(type),
             .value = attribute.subspan(AttributeConstants::valueOffset()),
+            .length = attribute.size(),
             .otherLength = std::nullopt};
   }
   U32 vendorId = 0;
@@ -66,6 +69,7 @@ WireAttribute wireAttributeOf(ByteView attribute) {
   return {.key = RadiusPktParserBase::vendorAttribute(vendorId,
                                                       attribute[VsaConstants::vendorTypeOffset()]),
           .value = attribute.subspan(VsaConstants::vendorAttrValueOffset()),
+          .length = attribute.size(),
           .otherLength = agrees ? std::nullopt : std::optional(ownLength)};
 }
 
@@ -107,6 +111,7 @@ class AttributeReader {
     object_.getValuesOfAttributesFromAttributeList();
     for (const auto& [wire, info] : attributes_) {
       report_.attributes.push_back(reported(wire, info));
+      offset_ += wire.length;
     }
   }
 
@@ -136,7 +141,10 @@ class AttributeReader {
                                 .type = info.attributeType,
                                 .tag = std::nullopt,
                                 .value = ShownBytes{{wire.value.begin(), wire.value.end()}},
-                                .wire = {wire.value.begin(), wire.value.end()}};
+                                .isRevealed = isRevealed_ && isHidden(info),
+                                .wire = {wire.value.begin(), wire.value.end()},
+                                .offset = offset_,
+                                .length = wire.length};
     if (!info.isInDict) {
       return attribute;
     }
@@ -190,6 +198,7 @@ class AttributeReader {
   PacketReport& report_;
   std::vector<std::pair<WireAttribute, AttrInfo>> attributes_;
   std::map<Attribute, U16> next_;  ///< the number of the value that comes next, by kind
+  std::size_t offset_ = PacketConstants::headerLength();
   bool isRevealed_ = true;
 };
 

@@ -67,10 +67,10 @@ void warnOfMissingBytes(std::size_t length, std::size_t size, PacketReport& repo
 
 }  // namespace
 
-LegacyDecoder::LegacyDecoder(const Ptr<const RadiusDict>& dictionary, const Secret& secret)
-    : dictionary_(dictionary), secret_(secret) {}
+LegacyDecoder::LegacyDecoder(const Ptr<const RadiusDict>& dictionary) : dictionary_(dictionary) {}
 
-PacketReport LegacyDecoder::decode(ByteView packet, const Bytes& requestAuthenticator) const {
+PacketReport LegacyDecoder::decode(ByteView packet, const Secret& secret,
+                                   const Bytes& requestAuthenticator) const {
   PacketReport report;
   report.header = headerOf(packet);
   FaultTrace trace;
@@ -95,14 +95,14 @@ PacketReport LegacyDecoder::decode(ByteView packet, const Bytes& requestAuthenti
     return report;
   }
   const bool isRequest = RadiusPktParserBase::isRequest(header.code());
-  walk(*object, packet, isRequest ? Bytes() : requestAuthenticator, report);
+  walk(*object, packet, secret, isRequest ? Bytes() : requestAuthenticator, report);
   return report;
 }
 
-void LegacyDecoder::walk(LegacyPacket& object, ByteView packet, const Bytes& reqAuth,
-                         PacketReport& report) const {
+void LegacyDecoder::walk(LegacyPacket& object, ByteView packet, const Secret& secret,
+                         const Bytes& reqAuth, PacketReport& report) const {
   const U8 code = object.header()->code();
-  const ErrorMsg error = authenticityOf(object, secret_.text(), reqAuth);
+  const ErrorMsg error = authenticityOf(object, secret.text(), reqAuth);
   const bool isGood = error == ErrorMsg::success;
   report.error = error;
   reportChecks(code, error, isGood && object.msgAuthPresent(), report);
@@ -113,7 +113,7 @@ void LegacyDecoder::walk(LegacyPacket& object, ByteView packet, const Bytes& req
     std::vector<U8> whole(packet.begin(), packet.end());
     whole.resize(object.header()->length());
     readLegacyAttributes(object, ByteView(whole).subspan(PacketConstants::headerLength()),
-                         secret_.text(), reqAuth, report);
+                         secret.text(), reqAuth, report);
   }
 }
 

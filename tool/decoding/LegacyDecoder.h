@@ -19,11 +19,9 @@ namespace RadiusPacketTool {
 /// newer codec has for it.
 class LegacyDecoder final : public Decoder {
  public:
-  /// `secret` must outlive the decoder.
-  LegacyDecoder(const Verda::Ptr<const RadiusPacketParser::RadiusDict>& dictionary,
-                const Secret& secret);
+  explicit LegacyDecoder(const Verda::Ptr<const RadiusPacketParser::RadiusDict>& dictionary);
 
-  PacketReport decode(std::span<const Verda::U8> packet,
+  PacketReport decode(std::span<const Verda::U8> packet, const Secret& secret,
                       const Verda::Bytes& requestAuthenticator) const override;
 
  private:
@@ -31,10 +29,9 @@ class LegacyDecoder final : public Decoder {
   /// reads it. Only a packet whose Request Authenticator is known if it needs one reaches no
   /// assertion of the library.
   void walk(RadiusPacketParser::RadiusPacketParser& object, std::span<const Verda::U8> packet,
-            const Verda::Bytes& reqAuth, PacketReport& report) const;
+            const Secret& secret, const Verda::Bytes& reqAuth, PacketReport& report) const;
 
   Verda::Ptr<const RadiusPacketParser::RadiusDict> dictionary_;
-  const Secret& secret_;
 };
 
 }  // namespace RadiusPacketTool

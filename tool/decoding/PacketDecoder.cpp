@@ -60,13 +60,18 @@ class RecordingSink : public StatusServerPktInfoParser {
                          .type = info.attributeType,
                          .tag = readable.tag,
                          .value = std::move(readable.value),
-                         .wire = {wire.begin(), wire.end()}});
+                         .isRevealed = RadiusPktParserBase::isHidden(info),
+                         .wire = {wire.begin(), wire.end()},
+                         .offset = offset_,
+                         .length = cursor_.bytes().size()});
+    offset_ += cursor_.bytes().size();
   }
 
   std::vector<ReportedAttribute> reportedDel() { return std::move(reported_); }
 
  private:
   AttributeCursor cursor_;
+  std::size_t offset_ = PacketConstants::headerLength();
   FaultTrace& trace_;
   std::vector<ReportedAttribute> reported_;
 };
@@ -92,10 +97,11 @@ TYL_ENTITY_TYPE(RecordingParser)
 
 }  // namespace
 
-PacketDecoder::PacketDecoder(const Ptr<const RadiusDict>& dictionary, const Secret& secret)
-    : parser_(RecordingParser::RecordingParserIs(dictionary)), secret_(secret) {}
+PacketDecoder::PacketDecoder(const Ptr<const RadiusDict>& dictionary)
+    : parser_(RecordingParser::RecordingParserIs(dictionary)) {}
 
-PacketReport PacketDecoder::decode(ByteView packet, const Bytes& requestAuthenticator) const {
+PacketReport PacketDecoder::decode(ByteView packet, const Secret& secret,
+                                   const Bytes& requestAuthenticator) const {
   PacketReport report;
   report.header = headerOf(packet);
   const Ptr<Zonet::Pkt> pkt = Zonet::pktFactory(packet);
@@ -105,19 +111,19 @@ PacketReport PacketDecoder::decode(ByteView packet, const Bytes& requestAuthenti
     report.error = header->errorMsg();
     report.reason = trace.reason();
   } else if (!lacksRequestAuthenticator(header->hdr()->code(), requestAuthenticator, report)) {
-    walk(pkt, *header->hdr(), requestAuthenticator, trace, report);
+    walk(pkt, *header->hdr(), secret, requestAuthenticator, trace, report);
   }
   return report;
 }
 
-void PacketDecoder::walk(const Ptr<Zonet::Pkt>& pkt, const RadiusHdr& header,
+void PacketDecoder::walk(const Ptr<Zonet::Pkt>& pkt, const RadiusHdr& header, const Secret& secret,
                          const Bytes& requestAuthenticator, FaultTrace& trace,
                          PacketReport& report) const {
   const auto sink = RecordingSink::RecordingSinkIs(
       std::as_const(*pkt).span().first(header.length()).subspan(PacketConstants::headerLength()),
       trace);
   const ErrorMsg error = parser_->doProcessPkt(
-      pkt, secret_.text(), isRequest(header.code()) ? Bytes() : requestAuthenticator, sink);
+      pkt, secret.text(), isRequest(header.code()) ? Bytes() : requestAuthenticator, sink);
   report.error = error;
   if (error != ErrorMsg::success) {
     report.reason = trace.reason();

@@ -19,22 +19,19 @@ namespace RadiusPacketTool {
 /// Decodes on the road of the newer codec: header, authenticators, attribute walk.
 class PacketDecoder final : public Decoder {
  public:
-  /// `secret` must outlive the decoder.
-  PacketDecoder(const Verda::Ptr<const RadiusPacketParser::RadiusDict>& dictionary,
-                const Secret& secret);
+  explicit PacketDecoder(const Verda::Ptr<const RadiusPacketParser::RadiusDict>& dictionary);
 
-  PacketReport decode(std::span<const Verda::U8> packet,
+  PacketReport decode(std::span<const Verda::U8> packet, const Secret& secret,
                       const Verda::Bytes& requestAuthenticator) const override;
 
  private:
   /// Decodes a packet whose header is in order and whose Request Authenticator is known if it needs
   /// one: only then no bytes of a stranger reach an assertion of the library.
   void walk(const Verda::Ptr<Zonet::Pkt>& pkt, const RadiusPktParserBase::RadiusHdr& header,
-            const Verda::Bytes& requestAuthenticator, FaultTrace& trace,
+            const Secret& secret, const Verda::Bytes& requestAuthenticator, FaultTrace& trace,
             PacketReport& report) const;
 
   Verda::Ptr<RadiusPktParserBase::RadiusPktParser> parser_;
-  const Secret& secret_;
 };
 
 }  // namespace RadiusPacketTool

@@ -1,7 +1,5 @@
 #include "tool/decoding/PacketReport.h"
 
-#include <fmt/format.h>
-
 namespace RadiusPacketTool {
 
 using RadiusPktParserBase::ErrorMsg;
@@ -20,10 +18,6 @@ ExitCode exitCodeOf(const PacketReport& report) {
     default:
       return ExitCode::refused;
   }
-}
-
-std::string placeText(const PacketPlace& place) {
-  return fmt::format("packet {} of {}", place.index, place.source);
 }
 
 std::string faultText(const PacketReport& report) {

@@ -10,6 +10,7 @@
 #include "RadiusPacketParser/RadiusPktParserTest.h"
 #include "RadiusPacketParser/RadiusPktTypes.h"
 #include "tool/decoding/PacketHeader.h"
+#include "tool/input/InputPacket.h"
 #include "tool/process/ExitCode.h"
 #include "tool/text/ShownValue.h"
 
@@ -23,23 +24,19 @@ struct ReportedAttribute {
       RadiusPacketParser::RadiusAttributeType::unknown;
   std::optional<Verda::U8> tag;
   ShownValue value;
+  bool isRevealed = false;      ///< the value is hidden on the wire: who sees it sees a secret
   std::vector<Verda::U8> wire;  ///< the value as on the wire, still hidden
+  std::size_t offset = 0;       ///< of the attribute's Type byte from the packet's first byte
+  std::size_t length = 0;       ///< of the whole attribute in bytes, as its Length byte says
 };
 
 /// What a check found out. `unchecked` stands for what nobody can check or has checked.
 enum class Check : Verda::U8 { absent, unchecked, verified, wrong };
 
-/// Which packet of the input it is.
-struct PacketPlace {
-  std::string source;     ///< the file's name, `-` for standard input
-  std::size_t index = 0;  ///< from 1 within the source
-
-  bool operator==(const PacketPlace&) const = default;
-};
-
 /// All that is known of one packet once it is decoded, whatever it is shown as.
 struct PacketReport {
   PacketPlace place;
+  std::optional<Datagram> datagram;  ///< of a packet from a capture
   PacketHeader header;
 
   /// The request whose authenticator a response was checked with, if it was found in the input.
@@ -70,9 +67,6 @@ inline bool isAccepted(const PacketReport& report) {
 
 /// What a packet contributes to the exit code; that of several packets is the greatest.
 ExitCode exitCodeOf(const PacketReport& report);
-
-/// Which packet it is: "packet 2 of file.hex".
-std::string placeText(const PacketPlace& place);
 
 /// The name of the fault, then the reason where there is one.
 std::string faultText(const PacketReport& report);

@@ -80,34 +80,36 @@ std::optional<AttrValue> changedValue(const Change& change, SaltSource& salts) {
 }  // namespace
 
 PacketEditor::PacketEditor(const Ptr<const RadiusPacketParser::RadiusDict>& dictionary,
-                           const Secret& secret, const Bytes& given, std::vector<Change> changes)
+                           const Secrets& secrets, const Bytes& given, std::vector<Change> changes)
     : names_(dictionary),
-      secret_(secret),
       changes_(std::move(changes)),
-      decoder_(dictionary, secret),
-      reader_(decoder_, given),
+      decoder_(dictionary),
+      exchanges_(secrets, given),
       before_(given),
       after_(given) {}
 
-EditedPacket PacketEditor::edit(const PacketPlace& place, ByteView packet) {
-  EditedPacket edited{.report = reader_.decode(place, packet), .made = {}};
+EditedPacket PacketEditor::edit(const InputPacket& packet) {
+  const PacketContext context = exchanges_.next(packet);
+  EditedPacket edited{.report = reportOf(decoder_, packet, context), .made = {}};
   PacketHeader header = edited.report.header;
-  before_.take(place, header);
+  before_.take(packet.place, header);
   if (isAccepted(edited.report)) {
-    edited.made = changed(edited.report, packet);
+    edited.made = changed(edited.report, packet, *context.secret);
     header = headerOf(edited.made.bytes);
   }
-  after_.take(place, header);
+  after_.take(packet.place, header);
   return edited;
 }
 
-MadePacket PacketEditor::changed(const PacketReport& report, ByteView packet) {
+MadePacket PacketEditor::changed(const PacketReport& report, const InputPacket& packet,
+                                 const Secret& secret) {
   MadePacket made;
   const BuildPlan plan = planOf(report, made.warnings);
   const RadiusPktBuilder builder(plan.dictionary());
   const Bytes reqAuth = isRequest(*report.header.code) ? Bytes() : after_.of(report.header).bytes;
   const auto build = [&](const Ptr<PktInfoBuilder>& request) {
-    return builder.modifyPkt(Zonet::pktFactory(packet), secret_.text(), reqAuth, request);
+    return builder.modifyPkt(Zonet::pktFactory(ByteView(packet.bytes)), secret.text(), reqAuth,
+                             request);
   };
   try {
     made.bytes = builtPacket(plan, build, placeText(report.place));
@@ -115,7 +117,8 @@ MadePacket PacketEditor::changed(const PacketReport& report, ByteView packet) {
     throw ToolError(ExitCode::badData, fault.what());
   }
   warnOfCopies(report, made);
-  if (auto warning = refusalWarning(decoder_, made.bytes, reqAuth, placeText(report.place))) {
+  if (auto warning =
+          refusalWarning(decoder_, made.bytes, secret, reqAuth, placeText(report.place))) {
     made.warnings.push_back(*std::move(warning));
   }
   return made;

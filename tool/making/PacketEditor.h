@@ -9,11 +9,13 @@
 #include "Verda/Types.h"
 
 #include "RadiusPacketParser/RadiusDictionaryParser.h"
+#include "tool/decoding/Exchanges.h"
 #include "tool/decoding/PacketDecoder.h"
 #include "tool/decoding/PacketReport.h"
-#include "tool/decoding/PairingDecoder.h"
 #include "tool/decoding/RequestAuthenticators.h"
+#include "tool/input/InputPacket.h"
 #include "tool/input/Secret.h"
+#include "tool/input/Secrets.h"
 #include "tool/making/BuildPlan.h"
 #include "tool/making/Change.h"
 #include "tool/making/MadePacket.h"
@@ -35,27 +37,26 @@ struct EditedPacket {
 /// request as it is now.
 class PacketEditor {
  public:
-  /// `secret` must outlive the object.
+  /// `secrets` must outlive the object.
   /// @param given  the Request Authenticator for all responses, 16 bytes; when it is empty, each
   ///               answers a request in front of it
   PacketEditor(const Verda::Ptr<const RadiusPacketParser::RadiusDict>& dictionary,
-               const Secret& secret, const Verda::Bytes& given, std::vector<Change> changes);
+               const Secrets& secrets, const Verda::Bytes& given, std::vector<Change> changes);
 
   /// Changes the next packet, whatever its bytes. Throws `ToolError` for what cannot be built.
-  EditedPacket edit(const PacketPlace& place, std::span<const Verda::U8> packet);
+  EditedPacket edit(const InputPacket& packet);
 
  private:
-  MadePacket changed(const PacketReport& report, std::span<const Verda::U8> packet);
+  MadePacket changed(const PacketReport& report, const InputPacket& packet, const Secret& secret);
   BuildPlan planOf(const PacketReport& report, std::vector<std::string>& warnings) const;
   void warnOfCopies(const PacketReport& report, MadePacket& made) const;
   bool staysRevealable(const PacketHeader& before, const PacketHeader& after) const;
   bool isCopied(const RadiusPktParserBase::Attribute& key) const;
 
   AttributeNames names_;
-  const Secret& secret_;
   std::vector<Change> changes_;
   PacketDecoder decoder_;
-  PairingDecoder reader_;
+  Exchanges exchanges_;
   RequestAuthenticators before_;  ///< of the packets as they were
   RequestAuthenticators after_;   ///< of the packets as they are now
 };

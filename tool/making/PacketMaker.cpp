@@ -53,7 +53,7 @@ PacketMaker::PacketMaker(const Ptr<const RadiusPacketParser::RadiusDict>& dictio
                          const std::string& source)
     : names_(dictionary),
       secret_(secret),
-      decoder_(dictionary, secret),
+      decoder_(dictionary),
       requests_(given),
       choice_(choice),
       source_(source) {}
@@ -79,7 +79,7 @@ MadePacket PacketMaker::make(const PacketText& text) {
   } catch (const BadPacket& fault) {
     throw ToolError(ExitCode::badData, fault.what());
   }
-  if (auto warning = refusalWarning(decoder_, made.bytes, reqAuth, origin(text.line))) {
+  if (auto warning = refusalWarning(decoder_, made.bytes, secret_, reqAuth, origin(text.line))) {
     made.warnings.push_back(*std::move(warning));
   }
   requests_.take({.source = source_, .index = ++made_}, headerOf(made.bytes));

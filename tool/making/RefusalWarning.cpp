@@ -7,9 +7,9 @@
 namespace RadiusPacketTool {
 
 std::optional<std::string> refusalWarning(const PacketDecoder& decoder,
-                                          std::span<const Verda::U8> packet,
+                                          std::span<const Verda::U8> packet, const Secret& secret,
                                           const Verda::Bytes& reqAuth, const std::string& origin) {
-  const PacketReport report = decoder.decode(packet, reqAuth);
+  const PacketReport report = decoder.decode(packet, secret, reqAuth);
   if (isAccepted(report)) {
     return std::nullopt;
   }

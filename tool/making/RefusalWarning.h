@@ -16,7 +16,7 @@ namespace RadiusPacketTool {
 /// @param reqAuth  as for `PacketDecoder::decode`
 /// @param origin   what asks for the packet
 std::optional<std::string> refusalWarning(const PacketDecoder& decoder,
-                                          std::span<const Verda::U8> packet,
+                                          std::span<const Verda::U8> packet, const Secret& secret,
                                           const Verda::Bytes& reqAuth, const std::string& origin);
 
 }  // namespace RadiusPacketTool

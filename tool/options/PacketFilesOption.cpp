@@ -38,8 +38,8 @@ void PacketFilesOption::checkStandardInput(const SecretOption& secret) const {
   }
 }
 
-std::vector<PacketSource> PacketFilesOption::read() const {
-  return readPackets(files_, *formatFind(format_));
+PacketStream PacketFilesOption::open() const {
+  return {files_, *formatFind(format_)};
 }
 
 }  // namespace RadiusPacketTool

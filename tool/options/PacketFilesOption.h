@@ -5,7 +5,7 @@
 
 #include <CLI/CLI.hpp>
 
-#include "tool/input/PacketSource.h"
+#include "tool/input/PacketStream.h"
 #include "tool/options/SecretOption.h"
 
 namespace RadiusPacketTool {
@@ -19,8 +19,8 @@ class PacketFilesOption {
   /// Throws `ToolError` when both the secret and packets would come from standard input.
   void checkStandardInput(const SecretOption& secret) const;
 
-  /// Reads all packets. Throws as `readPackets`.
-  std::vector<PacketSource> read() const;
+  /// Opens the files. Throws as `PacketStream`.
+  PacketStream open() const;
 
  private:
   std::string format_ = "auto";

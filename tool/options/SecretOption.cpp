@@ -1,6 +1,7 @@
 #include "tool/options/SecretOption.h"
 
 #include <cstdlib>
+#include <memory>
 #include <string_view>
 
 #include "Verda/Types.h"
@@ -41,6 +42,10 @@ Secret SecretOption::secretFromText() {
 
 bool SecretOption::readsStandardInput() const {
   return file_ == standardInputName;
+}
+
+Secrets SecretOption::secrets() {
+  return Secrets(std::unique_ptr<const Secret>(new Secret(secret())));
 }
 
 Secret SecretOption::secret() {

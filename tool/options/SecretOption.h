@@ -5,6 +5,7 @@
 #include <CLI/CLI.hpp>
 
 #include "tool/input/Secret.h"
+#include "tool/input/Secrets.h"
 
 namespace RadiusPacketTool {
 
@@ -20,6 +21,9 @@ class SecretOption {
   /// The secret, once the command line is parsed. Throws `ToolError` when none is given or its file
   /// cannot be read.
   Secret secret();
+
+  /// The secrets of a command that reads packets. Throws as `secret`.
+  Secrets secrets();
 
  private:
   Secret secretFromText();

@@ -30,14 +30,18 @@ struct ValueWriter {
   Json operator()(const ShownPlain& plain) const { return plain.text; }
 };
 
-Json attributeJson(const ReportedAttribute& attribute) {
-  return {{"attrId", attribute.key.attrId},
+Json attributeJson(const ReportedAttribute& attribute, const OutputOptions& options) {
+  const bool isRedacted = options.redact && attribute.isRevealed;
+  return {{"offset", attribute.offset},
+          {"length", attribute.length},
+          {"attrId", attribute.key.attrId},
           {"vendorId", attribute.key.vendorId},
           {"vendorAttrId", attribute.key.vendorAttrId},
           {"name", Verda::escaped(attribute.name)},
           {"type", std::string(stringValue(attribute.type).view())},
           {"tag", jsonOrNull(attribute.tag)},
-          {"value", std::visit(ValueWriter(), attribute.value)},
+          {"value", isRedacted ? Json(nullptr) : std::visit(ValueWriter(), attribute.value)},
+          {"redacted", isRedacted},
           {"hex", hexText(attribute.wire)}};
 }
 
@@ -60,7 +64,8 @@ Json placeJson(const PacketPlace& place) {
 }
 
 Json packetJson(const PacketReport& report, const OutputOptions& options) {
-  Json packet = placeJson(report.place);
+  Json packet = {{"schema", jsonSchema}, {"kind", "packet"}};
+  packet.update(placeJson(report.place));
   packet["code"] = jsonOrNull(report.header.code);
   packet["codeName"] = codeNameJson(report);
   packet["id"] = jsonOrNull(report.header.id);
@@ -79,7 +84,7 @@ Json packetJson(const PacketReport& report, const OutputOptions& options) {
   }
   Json& attributes = packet["attributes"] = Json::array();
   for (const ReportedAttribute& attribute : report.attributes) {
-    attributes.push_back(attributeJson(attribute));
+    attributes.push_back(attributeJson(attribute, options));
   }
   return packet;
 }

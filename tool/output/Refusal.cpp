@@ -11,21 +11,21 @@ using RadiusPktParserBase::ErrorMsg;
 namespace {
 
 /// When what came of a source is no packet at all, it may have been meant as hex.
-void explainBinary(const PacketSource& source, const PacketReport& report) {
-  if (source.whyBinary.has_value() && report.error == ErrorMsg::invalidPktLength) {
-    complain(fmt::format("{} is taken as binary, for it is no hex text: line {}: {}", source.name,
-                         source.whyBinary->line(), source.whyBinary->what()));
+void explainBinary(const InputPacket& packet, const PacketReport& report) {
+  if (packet.whyBinary.has_value() && report.error == ErrorMsg::invalidPktLength) {
+    complain(fmt::format("{} is taken as binary, for it is no hex text: line {}: {}",
+                         packet.place.source, packet.whyBinary->line(), packet.whyBinary->what()));
   }
 }
 
 }  // namespace
 
-void complainIfRefused(const PacketSource& source, const PacketReport& report) {
+void complainIfRefused(const InputPacket& packet, const PacketReport& report) {
   if (isAccepted(report)) {
     return;
   }
   complain(fmt::format("{} refused: {}", placeText(report.place), faultText(report)));
-  explainBinary(source, report);
+  explainBinary(packet, report);
 }
 
 void complainOfWarnings(const PacketReport& report) {

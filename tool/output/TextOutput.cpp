@@ -77,10 +77,11 @@ struct ValueWriter {
   std::string operator()(const ShownPlain& plain) const { return plain.text; }
 };
 
-std::string attributeLine(const ReportedAttribute& attribute) {
+std::string attributeLine(const ReportedAttribute& attribute, const OutputOptions& options) {
+  const bool isRedacted = options.redact && attribute.isRevealed;
   const std::string tag = attribute.tag.has_value() ? fmt::format(":{}", *attribute.tag) : "";
   return fmt::format("{}{} = {}\n", Verda::escaped(attribute.name), tag,
-                     std::visit(ValueWriter(), attribute.value));
+                     isRedacted ? "(redacted)" : std::visit(ValueWriter(), attribute.value));
 }
 
 }  // namespace
@@ -91,7 +92,7 @@ std::string textOf(const PacketReport& report, const OutputOptions& options) {
     text += fmt::format("Status-Server: {}\n", stringValue(*report.statusServer).view());
   }
   for (const ReportedAttribute& attribute : report.attributes) {
-    text += attributeLine(attribute);
+    text += attributeLine(attribute, options);
   }
   return text;
 }

@@ -1,5 +1,6 @@
-#include "tool/decoding/PairingDecoder.h"
+#include "tool/decoding/Exchanges.h"
 
+#include <memory>
 #include <optional>
 
 #include <gtest/gtest.h>
@@ -36,17 +37,22 @@ ByteVector answerTo(const ByteVector& reqAuth) {
 
 /// Decodes a request and what comes behind it, and returns the report on the latter.
 PacketReport decodedBehindARequest(const ByteVector& packet, const ByteVector& given) {
-  const Secret secret(testSecret);
-  const PacketDecoder decoder(shippedDictionary(), secret);
-  PairingDecoder pairing(decoder, verdaBytes(given));
-  const PacketReport report = pairing.decode(first, request());
+  const Secrets secrets(std::make_unique<const Secret>(testSecret));
+  const PacketDecoder decoder(shippedDictionary());
+  Exchanges exchanges(secrets, verdaBytes(given));
+  const auto decode = [&](const PacketPlace& place, const ByteVector& bytes) {
+    const InputPacket input{
+        .place = place, .bytes = bytes, .datagram = std::nullopt, .whyBinary = std::nullopt};
+    return reportOf(decoder, input, exchanges.next(input));
+  };
+  const PacketReport report = decode(first, request());
   EXPECT_EQ(report.error, ErrorMsg::success);
   EXPECT_EQ(report.place, first);
   EXPECT_EQ(report.pairedWith, std::nullopt);
-  return pairing.decode(second, packet);
+  return decode(second, packet);
 }
 
-TEST(PairingDecoder, ChecksAResponseWithTheRequestInFrontOfIt) {
+TEST(Exchanges, ChecksAResponseWithTheRequestInFrontOfIt) {
   const PacketReport report =
       decodedBehindARequest(answerTo(TestSupport::countingBytes(16, 0x50)), {});
   EXPECT_EQ(report.error, ErrorMsg::success);
@@ -55,19 +61,19 @@ TEST(PairingDecoder, ChecksAResponseWithTheRequestInFrontOfIt) {
   EXPECT_EQ(report.pairedWith, first);
 }
 
-TEST(PairingDecoder, ResponseToAnotherRequestFailsTheCheck) {
+TEST(Exchanges, ResponseToAnotherRequestFailsTheCheck) {
   const PacketReport report = decodedBehindARequest(answerTo(testReqAuth), {});
   EXPECT_EQ(report.error, ErrorMsg::invalidPktAuth);
   EXPECT_EQ(report.pairedWith, first);
 }
 
-TEST(PairingDecoder, GivenAuthenticatorBeatsTheRequest) {
+TEST(Exchanges, GivenAuthenticatorBeatsTheRequest) {
   const PacketReport report = decodedBehindARequest(answerTo(testReqAuth), testReqAuth);
   EXPECT_EQ(report.error, ErrorMsg::success);
   EXPECT_EQ(report.pairedWith, std::nullopt);
 }
 
-TEST(PairingDecoder, RequestBehindARequestIsPairedWithNothing) {
+TEST(Exchanges, RequestBehindARequestIsPairedWithNothing) {
   const PacketReport report = decodedBehindARequest(request(), {});
   EXPECT_EQ(report.error, ErrorMsg::success);
   EXPECT_EQ(report.pairedWith, std::nullopt);
