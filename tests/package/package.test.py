@@ -1,10 +1,13 @@
 #!/usr/bin/env python3
 """Installs what a build made, and uses it as others do: through CMake, pkg-config, as a part of
-another build, and from Debian packages. `--write-symbols` writes the list of exported symbols anew.
+another build, and from Debian packages. `--write-symbols` writes the list of exported symbols anew,
+`--write-abi` what abidiff compares the library with.
 """
+import lzma
 import os
 import pathlib
 import re
+import shutil
 import subprocess
 import sys
 import tempfile
@@ -13,6 +16,7 @@ import unittest
 HERE = pathlib.Path(__file__).parent
 CONSUMER = HERE / "consumer"
 SYMBOLS = HERE / "exported_symbols.txt"
+ABI = HERE / "abi.xml.xz"
 BUILD = SOURCE = LIBRARY = None
 EXPECTED = "success 26 good\n"  # what the consumer prints
 # A packet whose attributes only a dictionary can name.
@@ -42,6 +46,22 @@ def exported_symbols():
     return sorted(names)
 
 
+def interface_headers(suffix=""):
+    """What tells abidiff and abidw which types are the interface's."""
+    folders = (SOURCE / "RadiusPacketParser", SOURCE / "Platform")
+    return [word for folder in folders for word in (f"--headers-dir{suffix}", folder)]
+
+
+def write_abi():
+    """Writes the binary interface of the library, which was built with debug information."""
+    with tempfile.TemporaryDirectory() as folder:
+        plain = pathlib.Path(folder) / "abi.xml"
+        run("abidw", *interface_headers(), "--drop-private-types", "--exported-interfaces-only",
+            "--no-show-locs", "--no-corpus-path", "--no-comp-dir-path", "--no-elf-needed",
+            "--out-file", plain, LIBRARY)
+        ABI.write_bytes(lzma.compress(plain.read_bytes(), preset=9))
+
+
 def consume(*options, library_path=None):
     """Builds the consumer with CMake and gives what it prints."""
     with tempfile.TemporaryDirectory() as folder:
@@ -50,6 +70,18 @@ def consume(*options, library_path=None):
         run("cmake", "--build", folder, "--target", "consumer")
         return run(pathlib.Path(folder) / "consumer", SOURCE / "dictionaries" / "dictionary",
                    env=environment(library_path))
+
+
+def install(packages, root):
+    """Has dpkg install packages into a root of its own, where nothing is. What they depend on is
+    the system's."""
+    database = root / "var" / "lib" / "dpkg"
+    (database / "updates").mkdir(parents=True)
+    (database / "info").mkdir()
+    (database / "status").touch()
+    (root / "etc").mkdir()  # where the loader's cache goes
+    run("dpkg", f"--root={root}", "--force-not-root", "--force-depends", "--force-bad-path",
+        "--force-script-chrootless", "--log=/dev/null", "--install", *packages)
 
 
 def environment(library_path):
@@ -113,6 +145,14 @@ class Library(unittest.TestCase):
         self.assertEqual(exported_symbols(), SYMBOLS.read_text(encoding="utf-8").splitlines())
 
 
+    @unittest.skipUnless(shutil.which("abidiff"), "abidiff is not installed")
+    def test_has_the_binary_interface_of_the_baseline(self):
+        with tempfile.TemporaryDirectory() as folder:
+            plain = pathlib.Path(folder) / "abi.xml"
+            plain.write_bytes(lzma.decompress(ABI.read_bytes()))
+            run("abidiff", "--drop-private-types", *interface_headers(2), plain, LIBRARY)
+
+
 class Subproject(unittest.TestCase):
     def test_builds_as_a_part_of_another_project(self):
         self.assertEqual(consume(f"-DRADIUS_SOURCE={SOURCE}"), EXPECTED)
@@ -122,14 +162,12 @@ class DebianPackages(unittest.TestCase):
     def test_work_in_an_empty_root(self):
         with tempfile.TemporaryDirectory() as folder:
             root = pathlib.Path(folder) / "root"
-            root.mkdir()
             run("cpack", "--config", BUILD / "CPackConfig.cmake", "-B", folder)
             packages = sorted(pathlib.Path(folder).glob("*.deb"))
             self.assertEqual([package.name.split("_")[0] for package in packages],
                              ["libradiuspacketparser-dev", "libradiuspacketparser0.1",
                               "radius-packet"])
-            for package in packages:
-                run("dpkg-deb", "--extract", package, root)
+            install(packages, root)
             depends = run("dpkg-deb", "--field", packages[1], "Depends")
             self.assertRegex(depends, "libssl3")
             self.assertRegex(depends, "libfmt9")
@@ -140,10 +178,12 @@ class DebianPackages(unittest.TestCase):
 
 
 if __name__ == "__main__":
-    WRITE = "--write-symbols" in sys.argv
     BUILD, SOURCE, LIBRARY = (
         pathlib.Path(argument) for argument in sys.argv[1:] if not argument.startswith("--"))
-    if WRITE:
+    if "--write-abi" in sys.argv:
+        write_abi()
+        sys.exit()
+    if "--write-symbols" in sys.argv:
         SYMBOLS.write_text("".join(f"{name}\n" for name in exported_symbols()), encoding="utf-8")
         sys.exit()
     unittest.main(argv=sys.argv[:1])

@@ -12,6 +12,7 @@ import os
 import pathlib
 import random
 import re
+import shlex
 import signal
 import subprocess
 import sys
@@ -1120,6 +1121,69 @@ class Output(unittest.TestCase):
 
 
 # ---- Exit status ----
+
+
+class RevealedValues(unittest.TestCase):
+    """A request with a User-Password, which is revealed."""
+
+    SHOWN = 'User-Password = "xyzzy"'
+    REDACTED = "User-Password = (redacted)"
+    REQUEST = packet(1, attribute(1, b"alice"),
+                     attribute(2, hidden(b"xyzzy", b"", bytes(range(16)))))
+
+    def lines(self, *options):
+        result = decode(*options, stdin=self.REQUEST.hex())
+        self.assertEqual((result.status, result.errors), (0, ""))
+        return result.text.splitlines()[1:]
+
+    def lines_on_a_terminal(self, *options):
+        with tempfile.TemporaryDirectory() as folder:
+            path = pathlib.Path(folder) / "request"
+            path.write_text(self.REQUEST.hex())
+            command = shlex.join([PROGRAM, "decode", *options, "--secret", SECRET, str(path)])
+            result = subprocess.run(["script", "--quiet", "--return", "--command", command,
+                                     "/dev/null"], stdin=subprocess.DEVNULL, timeout=60,
+                                    stdout=subprocess.PIPE, check=True)
+            return result.stdout.decode().splitlines()[1:]
+
+    def test_are_shown_where_no_terminal_is(self):
+        self.assertEqual(self.lines(), ['User-Name = "alice"', self.SHOWN])
+        self.assertEqual(self.lines("--show-secrets"), ['User-Name = "alice"', self.SHOWN])
+
+    def test_are_kept_back_when_that_is_asked_for(self):
+        self.assertEqual(self.lines("--redact"), ['User-Name = "alice"', self.REDACTED])
+
+    def test_are_kept_back_on_a_terminal(self):
+        self.assertEqual(self.lines_on_a_terminal(), ['User-Name = "alice"', self.REDACTED])
+        self.assertEqual(self.lines_on_a_terminal("--show-secrets"),
+                         ['User-Name = "alice"', self.SHOWN])
+
+    def test_are_null_in_json_when_they_are_kept_back(self):
+        for options, password in (((), "xyzzy"), (("--redact",), None)):
+            with self.subTest(options):
+                result = decode("--json", *options, stdin=self.REQUEST.hex())
+                shown = [(entry["value"], entry["redacted"])
+                         for entry in result.objects[0]["attributes"]]
+                self.assertEqual(shown, [("alice", False), (password, bool(options))])
+
+    def test_are_kept_back_by_the_legacy_interface_too(self):
+        self.assertEqual(self.lines("--legacy", "--redact"),
+                         ['User-Name = "alice"', self.REDACTED])
+
+    def test_cannot_be_shown_and_kept_back(self):
+        result = decode("--redact", "--show-secrets", stdin=self.REQUEST.hex())
+        self.assertEqual((result.status, result.text), (64, ""))
+        self.assertEqual(result.errors,
+                         "radius-packet: --redact excludes --show-secrets\n"
+                         "radius-packet: radius-packet --help and radius-packet COMMAND --help "
+                         "tell more\n")
+
+    def test_that_are_kept_back_are_not_built(self):
+        text = decode("--redact", stdin=self.REQUEST.hex()).text
+        result = run("build", stdin=text, variable=SECRET)
+        self.assertEqual((result.status, result.text), (65, ""))
+        self.assertEqual(result.errors,
+                         "radius-packet: -: line 3: User-Password: text stands in quotes\n")
 
 
 class StatusServer(unittest.TestCase):
