@@ -46,20 +46,12 @@ def exported_symbols():
     return sorted(names)
 
 
-def interface_headers(suffix=""):
-    """What tells abidiff and abidw which types are the interface's."""
-    folders = (SOURCE / "RadiusPacketParser", SOURCE / "Platform")
-    return [word for folder in folders for word in (f"--headers-dir{suffix}", folder)]
-
-
-def write_abi():
+def write_abi(path):
     """Writes the binary interface of the library, which was built with debug information."""
-    with tempfile.TemporaryDirectory() as folder:
-        plain = pathlib.Path(folder) / "abi.xml"
-        run("abidw", *interface_headers(), "--drop-private-types", "--exported-interfaces-only",
-            "--no-show-locs", "--no-corpus-path", "--no-comp-dir-path", "--no-elf-needed",
-            "--out-file", plain, LIBRARY)
-        ABI.write_bytes(lzma.compress(plain.read_bytes(), preset=9))
+    headers = [word for folder in ("RadiusPacketParser", "Platform")
+               for word in ("--headers-dir", SOURCE / folder)]
+    run("abidw", *headers, "--drop-private-types", "--exported-interfaces-only", "--no-show-locs",
+        "--no-corpus-path", "--no-comp-dir-path", "--no-elf-needed", "--out-file", path, LIBRARY)
 
 
 def consume(*options, library_path=None):
@@ -148,9 +140,10 @@ class Library(unittest.TestCase):
     @unittest.skipUnless(shutil.which("abidiff"), "abidiff is not installed")
     def test_has_the_binary_interface_of_the_baseline(self):
         with tempfile.TemporaryDirectory() as folder:
-            plain = pathlib.Path(folder) / "abi.xml"
-            plain.write_bytes(lzma.decompress(ABI.read_bytes()))
-            run("abidiff", "--drop-private-types", *interface_headers(2), plain, LIBRARY)
+            baseline, built = pathlib.Path(folder) / "baseline.xml", pathlib.Path(folder) / "built.xml"
+            baseline.write_bytes(lzma.decompress(ABI.read_bytes()))
+            write_abi(built)
+            run("abidiff", baseline, built)
 
 
 class Subproject(unittest.TestCase):
@@ -181,7 +174,9 @@ if __name__ == "__main__":
     BUILD, SOURCE, LIBRARY = (
         pathlib.Path(argument) for argument in sys.argv[1:] if not argument.startswith("--"))
     if "--write-abi" in sys.argv:
-        write_abi()
+        with tempfile.NamedTemporaryFile(suffix=".xml") as plain:
+            write_abi(plain.name)
+            ABI.write_bytes(lzma.compress(pathlib.Path(plain.name).read_bytes(), preset=9))
         sys.exit()
     if "--write-symbols" in sys.argv:
         SYMBOLS.write_text("".join(f"{name}\n" for name in exported_symbols()), encoding="utf-8")
