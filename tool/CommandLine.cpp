@@ -12,6 +12,8 @@
 #include "tool/commands/BuildCommand.h"
 #include "tool/commands/DecodeCommand.h"
 #include "tool/commands/DictionaryCheckCommand.h"
+#include "tool/commands/DictionaryListCommand.h"
+#include "tool/commands/DictionaryShowCommand.h"
 #include "tool/commands/EditCommand.h"
 #include "tool/input/InputFile.h"
 #include "tool/process/StandardStreams.h"
@@ -109,7 +111,10 @@ ExitCode run(std::span<const char* const> arguments) {
   EditCommand edit(program);
   CLI::App& dictionaryCommands = addCommandGroup(program, "dictionary", "Looks into dictionaries");
   DictionaryCheckCommand dictionaryCheck(dictionaryCommands);
-  const auto commands = std::to_array<Command*>({&decode, &build, &edit, &dictionaryCheck});
+  DictionaryShowCommand dictionaryShow(dictionaryCommands);
+  DictionaryListCommand dictionaryList(dictionaryCommands);
+  const auto commands = std::to_array<Command*>(
+      {&decode, &build, &edit, &dictionaryCheck, &dictionaryShow, &dictionaryList});
   try {
     program.parse(parserArguments(arguments));
   } catch (const CLI::ParseError& end) {

@@ -18,8 +18,7 @@ DictionarySummary sampleSummary() {
           .includedFiles = {"set/b", "set/a"},
           .standardAttributes = 2,
           .vendors = {{.vendorId = 9, .name = "Acme", .attributes = 0},
-                      {.vendorId = greatestVendor, .name = "Zebra", .attributes = 255}},
-          .warnings = 3};
+                      {.vendorId = greatestVendor, .name = "Zebra", .attributes = 255}}};
 }
 
 TEST(DictionarySummary, CountsWhatWasLoaded) {
@@ -38,8 +37,7 @@ TEST(DictionarySummary, CountsWhatWasLoaded) {
                 .includedFiles = {path + "b", path + "a", path + "c"},
                 .standardAttributes = 2,
                 .vendors = {{.vendorId = 9, .name = "Acme", .attributes = 0},
-                            {.vendorId = greatestVendor, .name = "Zebra", .attributes = 2}},
-                .warnings = 1}));
+                            {.vendorId = greatestVendor, .name = "Zebra", .attributes = 2}}}));
   EXPECT_EQ(trace.texts(),
             std::vector<std::string>{"File " + path + "a Unknown/Non-Standard Type word"});
 }
@@ -51,17 +49,7 @@ TEST(DictionarySummary, WritesALineForEachFigure) {
             "standard attributes: 2\n"
             "vendors: 2\n"
             "attributes of Acme (9): 0\n"
-            "attributes of Zebra (4294967295): 255\n"
-            "warnings: 3\n");
-}
-
-TEST(DictionarySummary, WritesOneObject) {
-  EXPECT_EQ(jsonOf(sampleSummary()),
-            R"({"dictionary":"set/dictionary","includedFiles":["set/b","set/a"],)"
-            R"("standardAttributes":2,)"
-            R"("vendors":[{"vendorId":9,"name":"Acme","attributes":0},)"
-            R"({"vendorId":4294967295,"name":"Zebra","attributes":255}],"warnings":3})"
-            "\n");
+            "attributes of Zebra (4294967295): 255\n");
 }
 
 TEST(DictionarySummary, EscapesNames) {
@@ -71,11 +59,7 @@ TEST(DictionarySummary, EscapesNames) {
   summary.vendors = {{.vendorId = 9, .name = "\xc2\x9b\xe2\x80\xa8", .attributes = 0}};
   EXPECT_EQ(textOf(summary),
             "dictionary: \\x1b\nincluded files: 1\nstandard attributes: 0\nvendors: 1\n"
-            "attributes of \\xc2\\x9b\xe2\x80\xa8 (9): 0\nwarnings: 0\n");
-  EXPECT_EQ(jsonOf(summary),
-            R"({"dictionary":"\\x1b","includedFiles":["\\xff\\n"],"standardAttributes":0,)"
-            R"("vendors":[{"vendorId":9,"name":"\\xc2\\x9b\u2028","attributes":0}],"warnings":0})"
-            "\n");
+            "attributes of \\xc2\\x9b\xe2\x80\xa8 (9): 0\n");
 }
 
 }  // namespace

@@ -8,7 +8,8 @@
 
 namespace RadiusPacketTool {
 
-/// `radius-packet dictionary check`: loads a dictionary and prints what it holds.
+/// `radius-packet dictionary check`: says all that is wrong with a dictionary, and what it
+/// holds.
 class DictionaryCheckCommand final : public Command {
  public:
   explicit DictionaryCheckCommand(CLI::App& dictionaryCommands);

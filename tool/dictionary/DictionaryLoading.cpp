@@ -3,13 +3,11 @@
 #include <filesystem>
 #include <string_view>
 #include <system_error>
-#include <utility>
 
 #include <fmt/format.h>
 
 #include "Verda/Assert.h"
 
-#include "tool/dictionary/WarningCount.h"
 #include "tool/process/ToolError.h"
 
 namespace RadiusPacketTool {
@@ -55,10 +53,8 @@ LoadedDictionary loadDictionary(const std::string& path) {
     throw ToolError(ExitCode::dictionary, "the dictionary does not load: its name is empty");
   }
   const AssertionsThrow assertionsThrow;
-  const WarningCount warnings;
   try {
-    auto loader = RadiusPacketParser::radiusDictionaryParserFactory(Verda::String(path));
-    return {.loader = std::move(loader), .warnings = warnings.count()};
+    return {.loader = RadiusPacketParser::radiusDictionaryParserFactory(Verda::String(path))};
   } catch (const FailedAssertion& failure) {
     throw ToolError(ExitCode::dictionary, fmt::format("the dictionary {} does not load{}", path,
                                                       explanation(failure.text)));

@@ -1,6 +1,5 @@
 #pragma once
 
-#include <cstddef>
 #include <string>
 
 #include "Verda/Ptr.h"
@@ -13,10 +12,9 @@ namespace RadiusPacketTool {
 /// program itself stands, so that an installation may be moved.
 std::string defaultDictionaryPath();
 
-/// A whole dictionary, and how it went.
+/// A whole dictionary.
 struct LoadedDictionary {
   Verda::Ptr<const RadiusPacketParser::RadiusDictionaryParser> loader;
-  std::size_t warnings = 0;  ///< how many lines of trace the loader wrote
 };
 
 /// Loads a dictionary. The library's warnings and errors go to standard error. Throws `ToolError`

@@ -3,16 +3,13 @@
 #include <algorithm>
 
 #include <fmt/format.h>
-#include <nlohmann/json.hpp>
 
 #include "Verda/Escape.h"
 
 #include "RadiusPacketParser/RadiusDictionaryParser.h"
-#include "tool/text/JsonLine.h"
 
 namespace RadiusPacketTool {
 
-using Json = nlohmann::ordered_json;
 using RadiusPacketParser::RadiusDict;
 
 namespace {
@@ -38,7 +35,6 @@ DictionarySummary summaryOf(const LoadedDictionary& loaded) {
   }
   summary.standardAttributes = loaded.loader->dictionary()->radiusAttribute().size();
   summary.vendors = vendorsOf(*loaded.loader->dictionary());
-  summary.warnings = loaded.warnings;
   return summary;
 }
 
@@ -51,25 +47,7 @@ std::string textOf(const DictionarySummary& summary) {
     text += fmt::format("attributes of {} ({}): {}\n", Verda::escaped(vendor.name), vendor.vendorId,
                         vendor.attributes);
   }
-  return text + fmt::format("warnings: {}\n", summary.warnings);
-}
-
-std::string jsonOf(const DictionarySummary& summary) {
-  Json json;
-  json["dictionary"] = Verda::escaped(summary.path);
-  Json& files = json["includedFiles"] = Json::array();
-  for (const std::string& file : summary.includedFiles) {
-    files.push_back(Verda::escaped(file));
-  }
-  json["standardAttributes"] = summary.standardAttributes;
-  Json& vendors = json["vendors"] = Json::array();
-  for (const VendorSummary& vendor : summary.vendors) {
-    vendors.push_back({{"vendorId", vendor.vendorId},
-                       {"name", Verda::escaped(vendor.name)},
-                       {"attributes", vendor.attributes}});
-  }
-  json["warnings"] = summary.warnings;
-  return jsonLine(json);
+  return text;
 }
 
 }  // namespace RadiusPacketTool

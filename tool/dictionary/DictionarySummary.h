@@ -24,7 +24,6 @@ struct DictionarySummary {
   std::vector<std::string> includedFiles;  ///< as the top file names them, in its order
   std::size_t standardAttributes = 0;
   std::vector<VendorSummary> vendors;  ///< by ascending number
-  std::size_t warnings = 0;            ///< the lines that the loader wrote
 
   bool operator==(const DictionarySummary&) const = default;
 };
@@ -34,8 +33,5 @@ DictionarySummary summaryOf(const LoadedDictionary& loaded);
 /// A summary for people: one `figure: number` per line. Whatever names hold, nothing in them can
 /// drive a terminal.
 std::string textOf(const DictionarySummary& summary);
-
-/// A summary for programs: one JSON object on one line.
-std::string jsonOf(const DictionarySummary& summary);
 
 }  // namespace RadiusPacketTool

@@ -4,7 +4,9 @@
 
 #include <CLI/CLI.hpp>
 
+#include "tool/dictionary/DictionaryEntries.h"
 #include "tool/dictionary/DictionaryLoading.h"
+#include "tool/dictionary/DictionaryReader.h"
 
 namespace RadiusPacketTool {
 
@@ -19,6 +21,11 @@ class DictionaryOption {
 
   /// Loads it. Throws as `loadDictionary`.
   LoadedDictionary load() const { return loadDictionary(path_); }
+
+  /// Loads it, and finds where its lines define what. Throws as `loadDictionary`.
+  DictionaryEntries entries() const {
+    return entriesOf(*load().loader->dictionary(), readDictionary(path_).definitions);
+  }
 
  private:
   std::string path_ = defaultDictionaryPath();

@@ -7,6 +7,7 @@ namespace RadiusPacketTool {
 enum class ExitCode : int {
   success = 0,
   checkFailed = 1,   ///< a packet's authenticity is disproved, or nothing is given to check it by
+  notFound = 1,      ///< a dictionary holds nothing of what it is asked for
   refused = 2,       ///< a packet is refused for any other fault
   dictionary = 3,    ///< the dictionary does not load
   usage = 64,        ///< wrong options or arguments

@@ -36,7 +36,11 @@ void complain(std::string_view message) {
   std::string line = "radius-packet: ";
   Verda::escapeTo(line, message);
   line += '\n';
-  static_cast<void>(std::fwrite(line.data(), 1, line.size(), stderr));
+  writeErrors(line);
+}
+
+void writeErrors(std::string_view text) {
+  static_cast<void>(std::fwrite(text.data(), 1, text.size(), stderr));
 }
 
 }  // namespace RadiusPacketTool

@@ -13,4 +13,7 @@ void flushOutput();
 /// Says one line on standard error behind the program's name, with control bytes escaped.
 void complain(std::string_view message);
 
+/// Writes to standard error as it is. That this fails cannot be told to anybody.
+void writeErrors(std::string_view text);
+
 }  // namespace RadiusPacketTool
