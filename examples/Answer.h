@@ -12,6 +12,7 @@
 
 namespace Example {
 
+// [answer]
 /// Why `pkt` is no good answer to a request; empty for a good one. Anybody may send anything to an
 /// agent's socket, so the header decides first whether the packet can be an answer at all: only
 /// then does the library see it together with the Request Authenticator.
@@ -33,5 +34,6 @@ inline std::string faultOfAnswer(RadiusPktParserBase::RadiusPktParser& parser,
   const ErrorMsg result = parser.doProcessPkt(pkt, secret, requestAuthenticator, sink);
   return result == ErrorMsg::success ? "" : std::string(stringValue(result).view());
 }
+// [/answer]
 
 }  // namespace Example

@@ -20,6 +20,7 @@
 
 namespace Example {
 
+// [values]
 /// A decoded value as text. A tag is still part of the value and is taken off here, as are salt,
 /// length and padding of a salted value.
 struct ValueText {
@@ -73,6 +74,7 @@ struct ValueText {
     return bytes.subspan(1, bytes.front());
   }
 };
+// [/values]
 
 /// The sink of one packet: its attributes as lines of text. They are for nobody's eyes before
 /// `doProcessPkt` has said that the packet is good.

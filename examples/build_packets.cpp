@@ -17,6 +17,7 @@
 #include "RadiusPacketParser/RadiusPacketConstants.h"
 #include "RadiusPacketParser/RadiusPktBuilder.h"
 #include "examples/CommandLine.h"
+#include "examples/HexPacket.h"
 
 namespace {
 
@@ -47,6 +48,7 @@ void addMessageAuthenticator(PktInfoBuilder& request) {
   request.attributesToAddIs(turn)->attrWithValueIs(attrWithValueFactory(key));
 }
 
+// [salted]
 /// What the salted method hides (RFC 2868 section 3.5): salt, a length byte, the text, and zeros up
 /// to whole blocks. The salt's first bit is set, and no two salts of a packet may be alike.
 Verda::String saltedValue(std::string_view text) {
@@ -63,6 +65,7 @@ Verda::String saltedValue(std::string_view text) {
   value.append((block - hidden % block) % block, '\0');
   return Verda::String(value);
 }
+// [/salted]
 
 /// The packet, or what was wrong as an exception.
 Ptr<Zonet::Pkt> packetOf(const Ptr<PktReturn>& built) {
@@ -95,12 +98,14 @@ Ptr<Zonet::Pkt> buildRequest(const RadiusPktBuilder& builder, const Verda::Strin
 /// The password is hidden anew, since the next server has another secret.
 Ptr<Zonet::Pkt> passOn(const RadiusPktBuilder& builder, const Verda::String& nextSecret,
                        const Ptr<Zonet::Pkt>& received) {
+  // [modify]
   const Ptr<PktInfoBuilder> changes = pktInfoBuilderFactory();
   changes->attributesToReplaceIs(standardAttribute(RadiusAttributeId::USER_PASSWORD))
       ->attrValuePush(Verda::String(password));
   changes->attributesToRemoveIs(standardAttribute(RadiusAttributeId::NAS_PORT));
   add(*changes, standardAttribute(RadiusAttributeId::PROXY_STATE), Verda::Bytes{0x17});
   return packetOf(builder.modifyPkt(received, nextSecret, Verda::Bytes(), changes));
+  // [/modify]
 }
 
 Ptr<Zonet::Pkt> buildAnswer(const RadiusPktBuilder& builder, const Verda::String& secret,
@@ -113,10 +118,7 @@ Ptr<Zonet::Pkt> buildAnswer(const RadiusPktBuilder& builder, const Verda::String
 }
 
 void print(const Ptr<Zonet::Pkt>& pkt) {
-  for (const Verda::U8 byte : pkt->span()) {
-    std::printf("%02x", byte);
-  }
-  std::printf("\n");
+  std::puts(Example::hexOf(*pkt).c_str());
 }
 
 int run(const Example::CommandLine& line) {

@@ -7,53 +7,31 @@
 // fault on this side; 64 wrong usage.
 // A dictionary that does not load ends the process by an assertion.
 
-#include <algorithm>
-#include <charconv>
 #include <iostream>
-#include <span>
-#include <stdexcept>
 #include <string>
-#include <string_view>
-#include <system_error>
-#include <vector>
 
 #include "examples/Answer.h"
 #include "examples/AttributeLines.h"
 #include "examples/CommandLine.h"
+#include "examples/HexPacket.h"
 #include "examples/SecretFile.h"
 
 namespace {
 
 using RadiusPktParserBase::ErrorMsg;
-using Verda::Ptr;
-using Zonet::Pkt;
-
-Ptr<Pkt> packetFromHex(std::string_view digits) {
-  constexpr std::size_t digitsOfByte = 2;
-  constexpr int base = 16;
-  std::vector<Verda::U8> bytes;
-  for (; !digits.empty(); digits.remove_prefix(digitsOfByte)) {
-    const char* const end = digits.data() + std::min(digitsOfByte, digits.size());
-    const auto [stop, fault] = std::from_chars(digits.data(), end, bytes.emplace_back(), base);
-    if (fault != std::errc() || stop != digits.data() + digitsOfByte) {
-      throw std::runtime_error("a packet is no hex: two digits a byte and nothing else");
-    }
-  }
-  return Zonet::pktFactory(std::span<const Verda::U8>(bytes));
-}
 
 int run(const Example::CommandLine& line) {
   const auto dictionary = RadiusPacketParser::radiusDictionaryParserFactory(line[0])->dictionary();
   Example::DescribingParser parser(dictionary);
 
-  const auto request = parser.getHeader(packetFromHex(line[2]));
+  const auto request = parser.getHeader(Example::packetFromHex(line[2]));
   if (request->errorMsg() != ErrorMsg::success) {
     std::cerr << "the request has no good header: " << request->errorMsg() << '\n';
     return Example::exitFault;
   }
   const auto sink = Example::AttributeLines::make();
   const std::string fault = Example::faultOfAnswer(
-      parser, packetFromHex(line[3]), Example::readSecret(line[1]), *request->hdr(), sink);
+      parser, Example::packetFromHex(line[3]), Example::readSecret(line[1]), *request->hdr(), sink);
   if (!fault.empty()) {
     std::cout << "refused: " << fault << '\n';
     return Example::exitRefused;

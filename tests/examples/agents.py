@@ -49,14 +49,17 @@ def udp_socket():
 
 
 class Agent:
-    """A running agent. It ends with the block, or when patience does."""
+    """A running agent. It ends with the block, or when patience does. One whose standard input is
+    kept open is sent lines of it as it runs."""
 
-    def __init__(self, name, *arguments, stdin=b""):
+    def __init__(self, name, *arguments, stdin=b"", keep_stdin=False):
         self.process = subprocess.Popen([AGENTS / name, *map(str, arguments)],
                                         stdin=subprocess.PIPE, stdout=subprocess.PIPE,
                                         stderr=subprocess.PIPE)
         self.watchdog = threading.Timer(2 * PATIENCE_SECONDS, self.process.kill)
         self.watchdog.start()
+        if keep_stdin:
+            return
         with contextlib.suppress(BrokenPipeError):  # one that does not read may have ended
             self.process.stdin.write(stdin)
             self.process.stdin.close()
@@ -69,6 +72,10 @@ class Agent:
         self.watchdog.cancel()
         self.process.kill()
         self.process.communicate()
+
+    def send_line(self, text):
+        self.process.stdin.write(text.encode() + b"\n")
+        self.process.stdin.flush()
 
     def output_line(self):
         return self.process.stdout.readline().decode()

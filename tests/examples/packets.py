@@ -22,6 +22,7 @@ CHAP_CHALLENGE, MESSAGE_AUTHENTICATOR, ERROR_CAUSE = 60, 80, 101
 
 HEADER = 20
 ZEROS = bytes(16)
+RANDOM = bytes(range(0x30, 0x40))  # the authenticator of what `random_request` makes
 
 
 def attribute(number, value):
@@ -71,6 +72,16 @@ def dynauth_request(code, identifier, *content, secret=SECRET):
     return signed(code, identifier, b"".join(content), ZEROS, secret)
 
 
+def random_request(code, identifier, *content, secret=SECRET):
+    """A request whose authenticator is no digest; its Message-Authenticator is filled in."""
+    packet = bytearray(bytes([code, identifier]) + bytes(2) + RANDOM + b"".join(content))
+    packet[2:4] = len(packet).to_bytes(2, "big")
+    place = packet.find(MESSAGE_AUTHENTICATOR_PLACE, HEADER)
+    if place >= 0:
+        packet[place + 2:place + 18] = hmac.digest(secret, bytes(packet), "md5")
+    return bytes(packet)
+
+
 def has_good_authenticator(packet, covered=ZEROS, secret=SECRET):
     digest = hashlib.md5(packet[:4] + covered + packet[HEADER:] + secret).digest()
     return authenticator(packet) == digest
@@ -88,13 +99,39 @@ def has_good_message_authenticator(packet, covered=None, secret=SECRET):
     return hmac.digest(secret, zeroed, "md5") == value
 
 
+def crossed(text, secret, start, hides):
+    """The text, hidden or revealed block by block (RFC 2865 section 5.2)."""
+    result, previous = b"", start
+    for at in range(0, len(text), 16):
+        block = text[at:at + 16]
+        stream = hashlib.md5(secret + previous).digest()
+        result += bytes(left ^ right for left, right in zip(block, stream))
+        previous = result[-16:] if hides else block
+    return result
+
+
+def padded(text):
+    return text + bytes(-len(text) % 16)
+
+
+def hidden_password(password, secret=SECRET):
+    """The value of a User-Password in what `random_request` makes."""
+    return crossed(padded(password), secret, RANDOM, hides=True)
+
+
 def revealed_password(request, secret=SECRET):
     """User-Password with its padding (RFC 2865 section 5.2)."""
     hidden = dict(attributes(request))[USER_PASSWORD]
-    plain, previous = b"", authenticator(request)
-    for at in range(0, len(hidden), 16):
-        block = hidden[at:at + 16]
-        stream = hashlib.md5(secret + previous).digest()
-        plain += bytes(left ^ right for left, right in zip(block, stream))
-        previous = block
-    return plain
+    return crossed(hidden, secret, authenticator(request), hides=False)
+
+
+def salted(text, salt, request_authenticator, secret=SECRET):
+    """Salt and hidden text (RFC 2868 section 3.5)."""
+    plain = padded(bytes([len(text)]) + text)
+    return salt + crossed(plain, secret, request_authenticator + salt, hides=True)
+
+
+def revealed_salted(value, request_authenticator, secret=SECRET):
+    """The text behind the salt and the length byte."""
+    plain = crossed(value[2:], secret, request_authenticator + value[:2], hides=False)
+    return plain[1:1 + plain[0]]
