@@ -38,6 +38,7 @@ class VERDA_EXPORT RadiusNode : public Verda::Node {
  public:
   const Verda::TypeData& typeData() const override;
 
+  /// An entry of that type number, without a name and of unknown type.
   explicit RadiusNode(Verda::U8 attributeOid) : attributeOid_(attributeOid) {}
 
   /// The name on the dictionary line.
@@ -60,6 +61,7 @@ class VERDA_EXPORT AttributeNode : public RadiusNode {
   TYL_ENTITY(AttributeNode)
 
  public:
+  /// As `RadiusNode`.
   using RadiusNode::RadiusNode;
 
   /// The path of the file whose line defined the attribute last.
@@ -72,6 +74,7 @@ class VERDA_EXPORT VendorNode : public RadiusNode {
   TYL_ENTITY(VendorNode)
 
  public:
+  /// As `RadiusNode`.
   using RadiusNode::RadiusNode;
 };
 
@@ -80,6 +83,7 @@ class VERDA_EXPORT VendorIdDict : public Verda::Node {
   TYL_ENTITY(VendorIdDict)
 
  public:
+  /// A vendor without a name and without attributes.
   explicit VendorIdDict(Verda::U32 vendorId) : vendorId_(vendorId) {}
 
   /// The vendor's enterprise number; the key.
@@ -112,6 +116,7 @@ class VERDA_EXPORT VendorMap : public Verda::Node {
  public:
   VendorMap() = default;
 
+  /// The vendors' numbers by name.
   TYL_VALUE_COLLECTION(HashMap, Verda::String, Verda::U32, vendorNameToId, TylVendorNameToId)
 };
 

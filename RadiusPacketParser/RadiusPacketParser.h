@@ -52,11 +52,13 @@ struct VERDA_EXPORT Attribute {
   Verda::U32 vendorId = 0;     ///< the vendor's enterprise number; 0 for a standard attribute
 
   Attribute() = default;
+  /// The kind of these numbers.
   Attribute(Verda::U8 type, Verda::U8 vendorType, Verda::U32 vendor)
       : attrId(type), vendorAttrId(vendorType), vendorId(vendor) {}
   /// Reads the text form. Throws `Verda::RangeError`, naming the field, when it is not one.
   explicit Attribute(const Verda::String& text);
 
+  /// By the fields in declared order.
   // NOLINTNEXTLINE(modernize-use-nullptr): what the compiler makes of "= default"
   auto operator<=>(const Attribute&) const = default;
 
@@ -74,12 +76,15 @@ struct VERDA_EXPORT VsaValueType {
   Verda::String value;      ///< as text, which the dictionary's data type says how to read
 
   VsaValueType() = default;
+  /// An attribute with this text.
   VsaValueType(Verda::U32 vendor, Verda::U8 vendorType, const Verda::String& text)
       : vendorId(vendor), code(vendorType), value(text) {}
   /// Reads the text form. Throws `Verda::RangeError`, naming the field, when it is not one.
   explicit VsaValueType(const Verda::String& text);
 
+  /// Whether all fields are the same.
   bool operator==(const VsaValueType&) const = default;
+  /// By the fields in declared order.
   // NOLINTNEXTLINE(modernize-use-nullptr): what the compiler makes of "= default"
   std::strong_ordering operator<=>(const VsaValueType&) const = default;
 
@@ -93,7 +98,9 @@ struct VERDA_EXPORT VsaValueType {
   Verda::String text() const;
 };
 
+/// Prints the text form.
 VERDA_EXPORT std::ostream& operator<<(std::ostream& out, const Attribute& attribute);
+/// Prints the text form.
 VERDA_EXPORT std::ostream& operator<<(std::ostream& out, const VsaValueType& vsa);
 
 /// The values that a packet holds of one kind of attribute.
@@ -101,8 +108,10 @@ class VERDA_EXPORT AttrInfo : public Verda::Node {
   TYL_ENTITY(AttrInfo)
 
  public:
+  /// No values yet.
   explicit AttrInfo(const Attribute& attribute) : attribute_(attribute) {}
 
+  /// Which kind.
   TYL_FIXED_ATTRIBUTE(Attribute, attribute)
   /// The values as text, numbered from 0 as the packet has them.
   TYL_VALUE_COLLECTION(OrderedMap, Verda::U16, Verda::String, value, TylValue)
@@ -237,6 +246,7 @@ class VERDA_EXPORT RadiusPacketParserBase : public Verda::Node {
 
   /// Hides, and reveals, every attribute that the dictionary says hidden: `cryptoHelper`.
   void encryptPacket(const Verda::String& secret, const Verda::Bytes& reqAuth);
+  /// Reveals likewise.
   void decryptPacket(const Verda::String& secret, const Verda::Bytes& reqAuth);
 
   /// Writes the identifier into the packet.
@@ -268,6 +278,7 @@ class VERDA_EXPORT RadiusPacketParser : public RadiusPacketParserBase {
   TYL_ENTITY(RadiusPacketParser)
 
  public:
+  /// Parses and checks `pkt`: asks `handleInitialized`.
   RadiusPacketParser(const Verda::Ptr<const RadiusDict>& dictionary,
                      const Verda::Ptr<Zonet::Pkt>& pkt);
 
@@ -283,6 +294,7 @@ class VERDA_EXPORT RadiusPacketNew : public Verda::Node {
   /// @param hdr  not null
   explicit RadiusPacketNew(const Verda::Ptr<RadiusHdr>& hdr) : hdr_(hdr) {}
 
+  /// The header, as it was given.
   TYL_FIXED_ATTRIBUTE(Verda::Ptr<RadiusHdr>, hdr)
 
   /// A packet of 20 bytes: code, identifier, length 20, and the first 16 bytes of the header's

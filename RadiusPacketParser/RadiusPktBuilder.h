@@ -46,6 +46,7 @@ class VERDA_EXPORT RadiusPktBuilder : public Verda::Node {
   TYL_ENTITY(RadiusPktBuilder)
 
  public:
+  /// A builder on `dictionary`, which must not be null.
   explicit RadiusPktBuilder(const Verda::Ptr<const RadiusPacketParser::RadiusDict>& dictionary)
       : dictionary_(dictionary) {}
 

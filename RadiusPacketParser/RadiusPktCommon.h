@@ -29,6 +29,7 @@ class PktInfoBuilder;
 /// decides for itself what it makes of a fault.
 class VERDA_EXPORT AttributeCursor {
  public:
+  /// Where the cursor stands.
   enum class Step : Verda::U8 {
     attribute,  ///< the cursor stands on an attribute
     end,        ///< no byte is left

@@ -35,6 +35,7 @@ class VERDA_EXPORT RadiusPktParser : public Verda::Node {
   TYL_ENTITY(RadiusPktParser)
 
  public:
+  /// A parser on `dictionary`, which must not be null.
   explicit RadiusPktParser(const Verda::Ptr<const RadiusPacketParser::RadiusDict>& dictionary)
       : dictionary_(dictionary) {}
 

@@ -25,28 +25,28 @@
 namespace RadiusPktParserBase {
 
 /// Why an operation failed, or `success`.
-#define RADIUS_ERROR_MSG_LIST(X)      \
-  X(success, 0)                       \
-  X(invalidPktPtr, 1)                 \
-  X(invalidPktAuth, 2)                \
-  X(invalidMsgAuth, 3)                \
-  X(invalidPktLength, 4)              \
-  X(invalidAttrId, 5)                 \
-  X(invalidAttrLength, 6)             \
-  X(invalidAttrDataType, 7)           \
-  X(invalidVendorId, 8)               \
-  X(invalidVendorAttrId, 9)           \
-  X(invalidVendorAttrDataType, 10)    \
-  X(unknownAttrDataType, 11)          \
-  X(maxPktLengthExceeded, 12)         \
-  X(concatAttrNotConsecutive, 13)     \
-  X(pktAuthGenerationFailed, 14)      \
-  X(md5GenerationFailed, 15)          \
-  X(invalidBytesCopied, 16)           \
-  X(unsupportedPktType, 17)           \
-  X(pktTypeDoesNotSupportMsgAuth, 18) \
-  X(missingRequiredMsgAuth, 19)       \
-  X(tagByteMissing, 20)
+#define RADIUS_ERROR_MSG_LIST(X)                                                              \
+  X(success, 0)             /* it worked */                                                   \
+  X(invalidPktPtr, 1)       /* no packet, or no header to build from */                       \
+  X(invalidPktAuth, 2)      /* the authenticator does not verify */                           \
+  X(invalidMsgAuth, 3)      /* the Message-Authenticator does not verify, or there are two */ \
+  X(invalidPktLength, 4)    /* the packet's length: too short, too long, cut */               \
+  X(invalidAttrId, 5)       /* the dictionary lacks the attribute */                          \
+  X(invalidAttrLength, 6)   /* an attribute's length, or that of its value */                 \
+  X(invalidAttrDataType, 7) /* the value does not go with the data type */                    \
+  X(invalidVendorId, 8)     /* the dictionary lacks the vendor */                             \
+  X(invalidVendorAttrId, 9) /* the dictionary lacks the vendor's attribute */                 \
+  X(invalidVendorAttrDataType, 10)    /* a vendor's value does not go with the type */        \
+  X(unknownAttrDataType, 11)          /* the dictionary gives no data type */                 \
+  X(maxPktLengthExceeded, 12)         /* the packet would have more than 4096 bytes */        \
+  X(concatAttrNotConsecutive, 13)     /* fragments of one value stand apart */                \
+  X(pktAuthGenerationFailed, 14)      /* no random bytes */                                   \
+  X(md5GenerationFailed, 15)          /* libcrypto failed */                                  \
+  X(invalidBytesCopied, 16)           /* an authenticator of less than 16 bytes */            \
+  X(unsupportedPktType, 17)           /* no rule for a Message-Authenticator in this code */  \
+  X(pktTypeDoesNotSupportMsgAuth, 18) /* not given at present */                              \
+  X(missingRequiredMsgAuth, 19)       /* an EAP-Message without Message-Authenticator */      \
+  X(tagByteMissing, 20)               /* a tagged value of no bytes */
 
 TYL_ENUMERATION(ErrorMsg, ::Verda::U8, RADIUS_ERROR_MSG_LIST)
 
@@ -57,6 +57,7 @@ struct VERDA_EXPORT Attribute {
   Verda::U8 attrId = 0;        ///< the attribute's type; 26 for a vendor attribute
   Verda::U8 vendorAttrId = 0;  ///< the vendor type; 0 for a standard attribute
 
+  /// By the fields in declared order.
   // NOLINTNEXTLINE(modernize-use-nullptr): what the compiler makes of "= default"
   auto operator<=>(const Attribute&) const = default;
 
@@ -75,24 +76,26 @@ VERDA_EXPORT Attribute vendorAttribute(Verda::U32 vendorId, Verda::U8 vendorAttr
 /// The value of a tagged `string` attribute (RFC 2868). The parser delivers the tag byte as the
 /// first byte of `str` and leaves `tag` 0; `separateTag` takes them apart.
 struct VERDA_EXPORT TaggedStr {
-  Verda::String str;
-  Verda::U8 tag = 0;
+  Verda::String str;  ///< the text
+  Verda::U8 tag = 0;  ///< the tag byte (RFC 2868 section 3.1)
 
   /// Called on each value that the parser has made; has no effect.
   void handleTaggedStr();
 
+  /// Whether both fields are the same.
   bool operator==(const TaggedStr&) const = default;
 };
 
 /// The value of a tagged `integer` attribute (RFC 2868). The parser delivers all 32 bits in
 /// `value`, the tag in the highest eight, and leaves `tag` 0; `separateTag` takes them apart.
 struct VERDA_EXPORT TaggedInt {
-  Verda::U32 value = 0;
-  Verda::U8 tag = 0;
+  Verda::U32 value = 0;  ///< the number; 24 bits behind a tag
+  Verda::U8 tag = 0;     ///< as in `TaggedStr`
 
   /// Called on each value that the parser has made; has no effect.
   void handleTaggedInt();
 
+  /// Whether both fields are the same.
   bool operator==(const TaggedInt&) const = default;
 };
 
@@ -117,6 +120,7 @@ struct VERDA_EXPORT AttrInfo {
   bool isTagged = false;         ///< the value carries a leading tag byte
   bool isInDict = false;         ///< when false, all else but `errorMsg` is zero
   Verda::U8 encryptionType = 0;  ///< 0 not hidden, 1 User-Password method, 2 salted method
+  /// The data type, `unknown` when there is none.
   RadiusPacketParser::RadiusAttributeType::RadiusAttributeTypeEnum attributeType =
       RadiusPacketParser::RadiusAttributeType::unknown;
   ErrorMsg errorMsg = ErrorMsg::success;  ///< why the lookup failed
@@ -129,9 +133,11 @@ struct VERDA_EXPORT AttrInfo {
   /// The record text form: all six fields under their names, in declared order.
   Verda::String text() const;
 
+  /// Whether all fields are the same.
   bool operator==(const AttrInfo&) const = default;
 };
 
+/// Prints the text form.
 VERDA_EXPORT std::ostream& operator<<(std::ostream& out, const AttrInfo& attrInfo);
 
 /// A packet header, decoded or to be built.
@@ -156,9 +162,12 @@ class VERDA_EXPORT AttrWithValue : public Verda::Node {
   TYL_ENTITY(AttrWithValue)
 
  public:
+  /// An attribute without values.
   explicit AttrWithValue(const Attribute& attribute) : attribute_(attribute) {}
 
+  /// Which attribute.
   TYL_FIXED_ATTRIBUTE(Attribute, attribute)
+  /// Its values: each becomes one attribute of the packet.
   TYL_SEQUENCE(AttrValue, attrValue)
 };
 
@@ -167,6 +176,7 @@ class VERDA_EXPORT AttrToAddValue : public Verda::Node {
   TYL_ENTITY(AttrToAddValue)
 
  public:
+  /// A row without an attribute.
   explicit AttrToAddValue(Verda::U16 key) : key_(key) {}
 
   /// The row's place in the table.
@@ -180,10 +190,12 @@ class VERDA_EXPORT PktReturn : public Verda::Node {
   TYL_ENTITY(PktReturn)
 
  public:
+  /// The outcome that has this packet, or none.
   explicit PktReturn(const Verda::Ptr<Zonet::Pkt>& pkt) : pkt_(pkt) {}
 
   /// The packet; null on failure.
   TYL_FIXED_ATTRIBUTE(Verda::Ptr<Zonet::Pkt>, pkt)
+  /// Why there is no packet, or `success`.
   TYL_ATTRIBUTE(ErrorMsg, errorMsg, ErrorMsg::success)
 };
 
@@ -192,10 +204,12 @@ class VERDA_EXPORT RadiusHdrReturn : public Verda::Node {
   TYL_ENTITY(RadiusHdrReturn)
 
  public:
+  /// The outcome that has this header, or none.
   explicit RadiusHdrReturn(const Verda::Ptr<RadiusHdr>& hdr) : hdr_(hdr) {}
 
   /// The header; null on failure.
   TYL_FIXED_ATTRIBUTE(Verda::Ptr<RadiusHdr>, hdr)
+  /// Why there is no header, or `success`.
   TYL_ATTRIBUTE(ErrorMsg, errorMsg, ErrorMsg::success)
 };
 
@@ -215,6 +229,7 @@ class VERDA_EXPORT ConcatAttr : public Verda::Node {
  public:
   ConcatAttr() = default;
 
+  /// Their keys.
   TYL_SET(Attribute, concatAttrMap)
 };
 

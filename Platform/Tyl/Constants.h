@@ -10,9 +10,9 @@ namespace Tyl {
 
 /// One constant of a constant holder, as reflection lists it.
 struct Constant {
-  std::string_view name;
-  Verda::U32 value;
-  Verda::U8 widthBits;
+  std::string_view name;  ///< as it is called in code
+  Verda::U32 value;       ///< at most 32 bits
+  Verda::U8 widthBits;    ///< of its type: 8, 16 or 32
 };
 
 /// The constant called `name`, or null.

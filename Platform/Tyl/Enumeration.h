@@ -17,13 +17,13 @@ namespace Tyl {
 
 /// One enumerator as an enumeration registers it.
 struct Enumerator {
-  std::string_view name;
-  Verda::S64 number;
+  std::string_view name;  ///< as it is called in code
+  Verda::S64 number;      ///< as it is stored
 };
 
 /// All that the conversions know of an enumeration.
 struct EnumerationTable {
-  std::string_view name;
+  std::string_view name;                    ///< of the enumeration, or of its holder
   std::span<const Enumerator> enumerators;  ///< in declared order
 };
 

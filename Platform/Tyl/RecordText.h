@@ -21,17 +21,21 @@ namespace Tyl {
 /// control bytes and what is not UTF-8 as `\n`, `\t`, `\r` or `\xNN`.
 class VERDA_EXPORT RecordWriter {
  public:
+  /// Writes a truth value.
   void field(std::string_view name, bool value) { write(name, value ? "true" : "false"); }
 
+  /// Writes a number.
   template <std::unsigned_integral Number>
   void field(std::string_view name, Number value) {
     write(name, std::to_string(value));
   }
 
+  /// Writes an enumerator.
   template <typename Enum>
   requires std::is_enum_v<Enum>
   void field(std::string_view name, Enum value) { write(name, stringValue(value)); }
 
+  /// Writes a text.
   void field(std::string_view name, const Verda::String& value);
 
   /// The record's text; call it once, behind the last field.
@@ -50,13 +54,16 @@ class VERDA_EXPORT RecordReader {
   /// `text` must outlive the reader.
   explicit RecordReader(std::string_view text);
 
+  /// Reads a truth value.
   void field(std::string_view name, bool& value);
 
+  /// Reads a number that `Number` can hold.
   template <std::unsigned_integral Number>
   void field(std::string_view name, Number& value) {
     value = static_cast<Number>(number(name, std::numeric_limits<Number>::max()));
   }
 
+  /// Reads an enumerator.
   template <typename Enum>
   requires std::is_enum_v<Enum>
   void field(std::string_view name, Enum& value) {
@@ -68,6 +75,7 @@ class VERDA_EXPORT RecordReader {
     }
   }
 
+  /// Reads a text.
   void field(std::string_view name, Verda::String& value);
 
   /// Ends the record; call it behind the last field.

@@ -11,6 +11,7 @@ namespace Tyl {
 /// characters must outlive it.
 class VERDA_EXPORT TextReader {
  public:
+  /// Stands before the first character of `text`, which must outlive the reader.
   explicit TextReader(std::string_view text) : rest_(text) {}
 
   /// The longest run of letters, digits, `_` and `-` that comes next, behind white space; empty

@@ -9,9 +9,9 @@ namespace Verda {
 /// What failed, and where. The views are valid only during the handler's call.
 struct AssertionFailure {
   std::string_view text;  ///< the asserted expression, or the fixed sentence given with it
-  const char* file;
-  int line;
-  const char* function;
+  const char* file;       ///< the source
+  int line;               ///< in the source, from 1
+  const char* function;   ///< that asserts
 };
 
 /// Called with a failed assertion. It must not return: it ends the process, or throws (tests and

@@ -22,17 +22,22 @@ class ByteStore {
   static constexpr U32 inlineCapacity = 31;
 
   ByteStore() = default;
+  /// A copy of `size` bytes.
   ByteStore(const void* bytes, std::size_t size) { assign(bytes, size); }
+  /// A copy.
   ByteStore(const ByteStore& other) { copy(other); }
+  /// Takes the storage over; `other` is empty.
   ByteStore(ByteStore&& other) noexcept { take(other); }
   ~ByteStore() = default;
 
+  /// Replaces the content by a copy.
   ByteStore& operator=(const ByteStore& other) {
     if (this != &other) {
       copy(other);
     }
     return *this;
   }
+  /// Takes the storage over; `other` is empty.
   ByteStore& operator=(ByteStore&& other) noexcept {
     if (this != &other) {
       take(other);
@@ -40,9 +45,13 @@ class ByteStore {
     return *this;
   }
 
+  /// The first byte.
   const U8* data() const { return heap_ ? heap_.get() : inline_; }
+  /// The first byte, to write.
   U8* data() { return heap_ ? heap_.get() : inline_; }
+  /// How many bytes there are.
   U32 size() const { return size_; }
+  /// All bytes; valid while the store is unchanged.
   std::span<const U8> span() const { return {data(), size_}; }
 
   /// Replaces the content; `bytes` may lie inside the content itself.

@@ -32,11 +32,12 @@ class VERDA_EXPORT EmptyVector : public Exception {
 /// An element of a sequence was named by an index that is not below its size.
 class VERDA_EXPORT VectorOutOfRange : public Exception {
  public:
+  /// An `index` that is not below `size`.
   VectorOutOfRange(std::size_t index, std::size_t size);
   ~VectorOutOfRange() override;
 
-  std::size_t index() const { return index_; }
-  std::size_t size() const { return size_; }
+  std::size_t index() const { return index_; }  ///< what was asked for
+  std::size_t size() const { return size_; }    ///< how many elements there were
 
  private:
   std::size_t index_;

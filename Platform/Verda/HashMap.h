@@ -28,18 +28,20 @@ struct HashMapKey {
 template <typename Key, typename Value>
 class HashMap {
  public:
+  /// A key and its value.
   using Member = detail::HashMapMember<Key, Value>;
 
-  std::size_t size() const { return table_.size(); }
-  bool empty() const { return table_.empty(); }
-  auto begin() const { return table_.begin(); }
-  auto end() const { return table_.end(); }
+  std::size_t size() const { return table_.size(); }  ///< how many members there are
+  bool empty() const { return table_.empty(); }       ///< whether there are none
+  auto begin() const { return table_.begin(); }       ///< in no particular order
+  auto end() const { return table_.end(); }           ///< behind the last member
 
   /// The value of `key`, or null; valid until the map changes.
   const Value* find(const Key& key) const {
     const Member* member = table_.find(key);
     return member == nullptr ? nullptr : &member->value;
   }
+  /// The value of `key`, to change, or null.
   Value* find(const Key& key) { return const_cast<Value*>(std::as_const(*this).find(key)); }
 
   /// Inserts unless `key` is present; returns the value that the map holds now.
@@ -53,6 +55,7 @@ class HashMap {
     return removed.has_value() ? std::optional<Value>(std::move(removed->value)) : std::nullopt;
   }
 
+  /// Removes all members.
   void clear() { table_.clear(); }
 
  private:

@@ -21,11 +21,12 @@ struct HashSetKey {
 template <typename Key>
 class HashSet {
  public:
-  std::size_t size() const { return table_.size(); }
-  bool empty() const { return table_.empty(); }
-  auto begin() const { return table_.begin(); }
-  auto end() const { return table_.end(); }
+  std::size_t size() const { return table_.size(); }  ///< how many members there are
+  bool empty() const { return table_.empty(); }       ///< whether there are none
+  auto begin() const { return table_.begin(); }       ///< in no particular order
+  auto end() const { return table_.end(); }           ///< behind the last member
 
+  /// Whether `key` is a member.
   bool has(const Key& key) const { return table_.find(key) != nullptr; }
 
   /// Inserts `key` unless it is present; returns the member, valid until the set changes.
@@ -34,6 +35,7 @@ class HashSet {
   /// Removes `key` and returns it, or nothing when it is absent.
   std::optional<Key> remove(const Key& key) { return table_.remove(key); }
 
+  /// Removes all members.
   void clear() { table_.clear(); }
 
  private:

@@ -26,29 +26,36 @@ class HashTable {
   static constexpr bool everyKeyHasItsSlot = std::integral<EntryKey> && sizeof(EntryKey) == 1;
 
  public:
+  /// Goes over the members, in no particular order; void once the table changes.
   class Iterator {
    public:
+    /// A member.
     using value_type = Entry;
+    /// As an iterator has it.
     using difference_type = std::ptrdiff_t;
 
     Iterator() = default;
+    /// Stands at the first member from `at` on.
     Iterator(typename Slots::const_iterator at, typename Slots::const_iterator end)
         : at_(at), end_(end) {
       skipFree();
     }
 
-    const Entry& operator*() const { return **at_; }
-    const Entry* operator->() const { return &**at_; }
+    const Entry& operator*() const { return **at_; }    ///< the member
+    const Entry* operator->() const { return &**at_; }  ///< the member
+    /// Goes to the next member.
     Iterator& operator++() {
       ++at_;
       skipFree();
       return *this;
     }
+    /// Goes to the next member; returns where it stood.
     Iterator operator++(int) {
       Iterator before = *this;
       ++*this;
       return before;
     }
+    /// Whether both stand at the same member.
     bool operator==(const Iterator& other) const { return at_ == other.at_; }
 
    private:
@@ -63,13 +70,16 @@ class HashTable {
   };
 
   HashTable() = default;
+  /// A copy of all members.
   HashTable(const HashTable&) = default;
+  /// Takes the members over; `other` is empty.
   HashTable(HashTable&& other) noexcept
       : slots_(std::move(other.slots_)),
         mask_(std::exchange(other.mask_, 0)),
         size_(std::exchange(other.size_, 0)) {}
   ~HashTable() = default;
 
+  /// Replaces all members.
   HashTable& operator=(HashTable other) noexcept {
     std::swap(slots_, other.slots_);
     std::swap(mask_, other.mask_);
@@ -77,10 +87,10 @@ class HashTable {
     return *this;
   }
 
-  std::size_t size() const { return size_; }
-  bool empty() const { return size_ == 0; }
-  Iterator begin() const { return {slots_.begin(), slots_.end()}; }
-  Iterator end() const { return {slots_.end(), slots_.end()}; }
+  std::size_t size() const { return size_; }                         ///< how many members there are
+  bool empty() const { return size_ == 0; }                          ///< whether there are none
+  Iterator begin() const { return {slots_.begin(), slots_.end()}; }  ///< at the first member
+  Iterator end() const { return {slots_.end(), slots_.end()}; }      ///< behind the last member
 
   /// The entry of `key`, or null.
   template <typename Key>
@@ -91,6 +101,7 @@ class HashTable {
     const std::optional<Entry>& slot = slots_[slotOf(key)];
     return slot.has_value() ? &*slot : nullptr;
   }
+  /// The member of `key`, to change, or null.
   template <typename Key>
   Entry* find(const Key& key) {
     return const_cast<Entry*>(std::as_const(*this).find(key));
@@ -128,6 +139,7 @@ class HashTable {
     return removed;
   }
 
+  /// Removes all members.
   void clear() {
     slots_.clear();
     mask_ = 0;

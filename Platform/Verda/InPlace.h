@@ -13,6 +13,7 @@ namespace Verda {
 template <typename T>
 class InPlace {
  public:
+  /// Makes the entity, with these constructor arguments.
   template <typename... Args>
   explicit InPlace(Args&&... args) : entity_(std::forward<Args>(args)...), ptr_(&entity_) {
     // The scope's own hold on the entity: the count never falls to zero, so nobody deletes it.
@@ -22,9 +23,9 @@ class InPlace {
   InPlace& operator=(const InPlace&) = delete;
   ~InPlace() noexcept(false) { VERDA_ASSERT(entity_.userCount() == scopeUsers); }
 
-  T& operator*() { return entity_; }
-  T* operator->() { return &entity_; }
-  const Ptr<T>& ptr() const { return ptr_; }
+  T& operator*() { return entity_; }          ///< the entity
+  T* operator->() { return &entity_; }        ///< the entity
+  const Ptr<T>& ptr() const { return ptr_; }  ///< for what takes a `Ptr`; nobody may keep it
 
  private:
   static constexpr U32 scopeUsers = 2;  // the scope's own hold, and ptr_

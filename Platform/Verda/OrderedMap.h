@@ -18,18 +18,20 @@ namespace Verda {
 template <typename Key, typename Value>
 class OrderedMap {
  public:
+  /// A key and its value.
   using Member = std::pair<Key, Value>;
 
-  std::size_t size() const { return members_.size(); }
-  bool empty() const { return members_.empty(); }
-  auto begin() const { return members_.begin(); }
-  auto end() const { return members_.end(); }
+  std::size_t size() const { return members_.size(); }  ///< how many members there are
+  bool empty() const { return members_.empty(); }       ///< whether there are none
+  auto begin() const { return members_.begin(); }       ///< in ascending order of the keys
+  auto end() const { return members_.end(); }           ///< behind the last member
 
   /// The value of `key`, or null; valid until the map changes.
   const Value* find(const Key& key) const {
     const auto at = placeOf(*this, key);
     return isAt(key, at) ? &at->second : nullptr;
   }
+  /// The value of `key`, to change, or null.
   Value* find(const Key& key) { return const_cast<Value*>(std::as_const(*this).find(key)); }
 
   /// Inserts unless `key` is present; returns the value that the map holds now.
@@ -49,6 +51,7 @@ class OrderedMap {
     return removed;
   }
 
+  /// Removes all members.
   void clear() { members_.clear(); }
 
  private:

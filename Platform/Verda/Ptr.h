@@ -17,34 +17,43 @@ template <typename T>
 class Ptr {
  public:
   Ptr() = default;
+  /// No entity.
   Ptr(std::nullptr_t) {}
+  /// Holds `entity`, or none.
   explicit Ptr(T* entity) : entity_(entity) { add(); }
+  /// Holds the same entity.
   Ptr(const Ptr& other) : entity_(other.entity_) { add(); }
+  /// Takes the hold over.
   Ptr(Ptr&& other) noexcept : entity_(std::exchange(other.entity_, nullptr)) {}
 
+  /// Holds the same entity, as its base.
   template <typename U>
   requires std::convertible_to<U*, T*> Ptr(const Ptr<U>& other) : entity_(other.get()) { add(); }
 
+  /// Takes the hold over, as its base.
   template <typename U>
   requires std::convertible_to<U*, T*> Ptr(Ptr<U>&& other)
   noexcept : entity_(std::exchange(other.entity_, nullptr)) {}
 
   ~Ptr() { del(); }
 
+  /// Holds the other's entity instead of its own.
   Ptr& operator=(Ptr other) noexcept {
     std::swap(entity_, other.entity_);
     return *this;
   }
 
-  T* get() const { return entity_; }
-  T* operator->() const { return entity_; }
-  T& operator*() const { return *entity_; }
-  explicit operator bool() const { return entity_ != nullptr; }
+  T* get() const { return entity_; }                             ///< the entity, or null
+  T* operator->() const { return entity_; }                      ///< the entity; not null
+  T& operator*() const { return *entity_; }                      ///< the entity; not null
+  explicit operator bool() const { return entity_ != nullptr; }  ///< whether there is one
 
+  /// Whether both hold the same entity.
   template <typename U>
   friend bool operator==(const Ptr& left, const Ptr<U>& right) {
     return left.get() == right.get();
   }
+  /// Whether there is no entity.
   friend bool operator==(const Ptr& left, std::nullptr_t) { return left.entity_ == nullptr; }
 
  private:

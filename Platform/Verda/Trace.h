@@ -13,11 +13,11 @@ namespace Verda {
 /// One line of trace. The views are valid only during the sink's call; `text` holds bytes as they
 /// are, those of strangers too.
 struct TraceRecord {
-  std::string_view facility;
-  int level;
+  std::string_view facility;   ///< who traces
+  int level;                   ///< `traceErrors`, `traceEntries`
   std::string_view className;  ///< empty for a free function
-  std::string_view function;
-  std::string_view text;
+  std::string_view function;   ///< the operation that traces
+  std::string_view text;       ///< the line itself
 };
 
 /// Where trace goes. `record` may be called from several threads at once, and must not itself cause
@@ -29,6 +29,7 @@ class VERDA_EXPORT TraceSink {
   TraceSink& operator=(const TraceSink&) = delete;
   virtual ~TraceSink();
 
+  /// Takes one line of trace.
   virtual void record(const TraceRecord& record) = 0;
 };
 
@@ -60,9 +61,12 @@ class VERDA_EXPORT TraceFacility {
   TraceFacility& operator=(const TraceFacility&) = delete;
   ~TraceFacility();
 
-  std::string_view name() const { return name_; }
+  std::string_view name() const { return name_; }  ///< as it was made with
+  /// Whether `level` is written.
   bool enabled(int level) const { return level <= threshold_.load(std::memory_order_relaxed); }
+  /// The greatest level that is written.
   int threshold() const { return threshold_.load(std::memory_order_relaxed); }
+  /// Sets it.
   void thresholdIs(int threshold) { threshold_.store(threshold, std::memory_order_relaxed); }
 
  private:

@@ -14,6 +14,7 @@ VERDA_EXPORT void cleanse(std::span<Verda::U8> bytes);
 /// Overwrites the bytes when the scope ends, on every way out.
 class CleanseOnExit {
  public:
+  /// Cleanses `bytes`, which must outlive the object, when it goes.
   explicit CleanseOnExit(std::span<Verda::U8> bytes) : bytes_(bytes) {}
   CleanseOnExit(const CleanseOnExit&) = delete;
   CleanseOnExit& operator=(const CleanseOnExit&) = delete;

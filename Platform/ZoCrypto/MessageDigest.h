@@ -17,16 +17,16 @@ inline constexpr U32 md5DigestLength = 16;
 
 /// A digest method, found by name.
 struct MdMethod {
-  std::string_view name;
-  U32 digestLength;
+  std::string_view name;  ///< as `md_find` knows it
+  U32 digestLength;       ///< in bytes
 };
 
 /// The state of one digest, in the caller's storage: nothing is allocated.
 struct MdContext {
-  static constexpr std::size_t storageSize = 96;
+  static constexpr std::size_t storageSize = 96;  ///< in bytes; enough for every method
 
-  const MdMethod* method = nullptr;
-  alignas(8) U8 storage[storageSize];
+  const MdMethod* method = nullptr;    ///< null before `md_init`
+  alignas(8) U8 storage[storageSize];  ///< the digest's own state
 };
 
 /// The method of that name ("md5"), or null. It lives as long as the process.

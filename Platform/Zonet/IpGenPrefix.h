@@ -10,8 +10,8 @@ namespace Zonet {
 /// An address with a prefix length. The address bits behind the prefix are kept as they are.
 class VERDA_EXPORT IpGenPrefix {
  public:
-  static constexpr U8 ip4MaxLength = 32;
-  static constexpr U8 ip6MaxLength = 128;
+  static constexpr U8 ip4MaxLength = 32;   ///< in bits
+  static constexpr U8 ip6MaxLength = 128;  ///< in bits
 
   /// 0.0.0.0/32.
   IpGenPrefix() = default;
@@ -23,12 +23,13 @@ class VERDA_EXPORT IpGenPrefix {
   /// for anything else.
   explicit IpGenPrefix(const Verda::String& text);
 
-  const IpGenAddr& address() const { return address_; }
-  U8 prefixLength() const { return prefixLength_; }
+  const IpGenAddr& address() const { return address_; }  ///< all of its bits
+  U8 prefixLength() const { return prefixLength_; }      ///< in bits
 
   /// `address/length`.
   Verda::String text() const;
 
+  /// Whether address and length are the same.
   bool operator==(const IpGenPrefix&) const = default;
 
  private:

@@ -27,9 +27,9 @@ class VERDA_EXPORT PktBuffer : public Verda::Node {
   /// A copy of `content`.
   explicit PktBuffer(std::span<const U8> content);
 
-  U32 bytes() const { return bytes_; }
-  U8* data() { return storage_.get(); }
-  const U8* data() const { return storage_.get(); }
+  U32 bytes() const { return bytes_; }               ///< how many bytes count
+  U8* data() { return storage_.get(); }              ///< the first byte, to write
+  const U8* data() const { return storage_.get(); }  ///< the first byte
 
   /// Cuts `count` bytes off the end, or all there are when there are fewer.
   void tailCut(U32 count) {
@@ -71,10 +71,10 @@ class VERDA_EXPORT Pkt : public Verda::Node {
 
   /// How many bytes the packet has.
   U32 bytes() const { return buffer_->bytes(); }
-  U8* data() { return buffer_->data(); }
-  const U8* data() const { return std::as_const(*buffer_).data(); }
-  std::span<U8> span() { return {data(), bytes()}; }
-  std::span<const U8> span() const { return {data(), bytes()}; }
+  U8* data() { return buffer_->data(); }                             ///< the first byte, to write
+  const U8* data() const { return std::as_const(*buffer_).data(); }  ///< the first byte
+  std::span<U8> span() { return {data(), bytes()}; }  ///< all bytes that count, to write
+  std::span<const U8> span() const { return {data(), bytes()}; }  ///< all bytes that count
 
   /// Cuts `count` bytes off the end, or all there are when there are fewer.
   void tailCut(U32 count) { buffer_->tailCut(count); }

@@ -20,8 +20,8 @@ class WireReader {
   /// `bytes` must outlive the reader.
   explicit WireReader(std::span<const U8> bytes) : rest_(bytes) {}
 
-  std::size_t remaining() const { return rest_.size(); }
-  bool empty() const { return rest_.empty(); }
+  std::size_t remaining() const { return rest_.size(); }  ///< how many bytes are left
+  bool empty() const { return rest_.empty(); }            ///< whether none is left
 
   /// The byte `offset` bytes ahead, without taking anything.
   bool peek(std::size_t offset, U8& value) const {
@@ -32,10 +32,10 @@ class WireReader {
     return true;
   }
 
-  bool read(U8& value) { return readNumber(value); }
-  bool read(U16& value) { return readNumber(value); }
-  bool read(U32& value) { return readNumber(value); }
-  bool read(U64& value) { return readNumber(value); }
+  bool read(U8& value) { return readNumber(value); }   ///< one byte
+  bool read(U16& value) { return readNumber(value); }  ///< two bytes
+  bool read(U32& value) { return readNumber(value); }  ///< four bytes
+  bool read(U64& value) { return readNumber(value); }  ///< eight bytes
 
   /// Takes `count` bytes as a view.
   bool read(std::size_t count, std::span<const U8>& bytes) {

@@ -20,14 +20,16 @@ class WireWriter {
   /// `bytes` must outlive the writer.
   explicit WireWriter(std::span<U8> bytes) : bytes_(bytes) {}
 
-  std::size_t written() const { return written_; }
+  std::size_t written() const { return written_; }  ///< how many bytes stand there
+  /// How many bytes there is room for.
   std::size_t remaining() const { return bytes_.size() - written_; }
 
-  bool write(U8 value) { return writeNumber(value); }
-  bool write(U16 value) { return writeNumber(value); }
-  bool write(U32 value) { return writeNumber(value); }
-  bool write(U64 value) { return writeNumber(value); }
+  bool write(U8 value) { return writeNumber(value); }   ///< one byte
+  bool write(U16 value) { return writeNumber(value); }  ///< two bytes
+  bool write(U32 value) { return writeNumber(value); }  ///< four bytes
+  bool write(U64 value) { return writeNumber(value); }  ///< eight bytes
 
+  /// Writes these bytes as they are.
   bool write(std::span<const U8> content) {
     if (content.size() > remaining()) {
       return false;

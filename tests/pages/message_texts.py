@@ -65,5 +65,5 @@ def rows(text):
     """The cells of each row of the tables of a page whose first cell holds texts: those texts, and
     the other cells."""
     for line in re.findall(r"^\| `[^\n]* \|$", text, re.MULTILINE):
-        first, *others = line.removeprefix("| ").removesuffix(" |").split(" | ")
+        first, *others = (cell.strip() for cell in line[1:-1].split("|"))
         yield first.strip("`").split("`; `"), others
