@@ -2,6 +2,7 @@
 
 #include <filesystem>
 #include <string_view>
+#include <sys/auxv.h>
 #include <system_error>
 
 #include <fmt/format.h>
@@ -40,12 +41,18 @@ std::string_view explanation(std::string_view assertion) {
              : "";
 }
 
+/// Where the program stands; without /proc, as in a bare root, what it was started as.
+std::filesystem::path programPath() {
+  std::error_code failure;
+  const std::filesystem::path program = std::filesystem::read_symlink("/proc/self/exe", failure);
+  return failure ? std::filesystem::path(reinterpret_cast<const char*>(::getauxval(AT_EXECFN)))
+                 : program;
+}
+
 }  // namespace
 
 std::string defaultDictionaryPath() {
-  std::error_code failure;
-  const std::filesystem::path program = std::filesystem::read_symlink("/proc/self/exe", failure);
-  return (program.parent_path() / DICTIONARY_FROM_PROGRAM).lexically_normal().string();
+  return (programPath().parent_path() / DICTIONARY_FROM_PROGRAM).lexically_normal().string();
 }
 
 LoadedDictionary loadDictionary(const std::string& path) {
