@@ -27,7 +27,7 @@ bool isSameLetter(char one, char other) {
 
 std::optional<std::size_t> typingErrors(std::string_view word, std::string_view other,
                                         std::size_t most) {
-  const auto [shorter, longer] = std::minmax(word.size(), other.size());
+  const auto [shorter, longer] = std::minmax({word.size(), other.size()});
   if (longer > longestTyped || longer - shorter > most) {
     return std::nullopt;
   }
