@@ -1,11 +1,12 @@
 #include "tool/CommandLine.h"
 
 #include <algorithm>
-#include <array>
 #include <exception>
+#include <memory>
 #include <string>
 #include <string_view>
 #include <utility>
+#include <vector>
 
 #include <CLI/CLI.hpp>
 
@@ -15,6 +16,7 @@
 #include "tool/commands/DictionaryListCommand.h"
 #include "tool/commands/DictionaryShowCommand.h"
 #include "tool/commands/EditCommand.h"
+#include "tool/commands/InspectCommand.h"
 #include "tool/input/InputFile.h"
 #include "tool/process/StandardStreams.h"
 #include "tool/process/ToolError.h"
@@ -100,27 +102,34 @@ ExitCode endOfParsing(const CLI::App& program, const CLI::ParseError& end) {
   return ExitCode::success;
 }
 
+/// All commands, in the order in which the program's help has them.
+std::vector<std::unique_ptr<Command>> newCommands(CLI::App& program) {
+  std::vector<std::unique_ptr<Command>> commands;
+  commands.push_back(std::make_unique<DecodeCommand>(program));
+  commands.push_back(std::make_unique<InspectCommand>(program));
+  commands.push_back(std::make_unique<BuildCommand>(program));
+  commands.push_back(std::make_unique<EditCommand>(program));
+  CLI::App& dictionary = addCommandGroup(program, "dictionary", "Looks into dictionaries");
+  commands.push_back(std::make_unique<DictionaryCheckCommand>(dictionary));
+  commands.push_back(std::make_unique<DictionaryShowCommand>(dictionary));
+  commands.push_back(std::make_unique<DictionaryListCommand>(dictionary));
+  return commands;
+}
+
 ExitCode run(std::span<const char* const> arguments) {
   CLI::App program("Decodes, builds and edits RADIUS packets, and says what is wrong with them.",
                    "radius-packet");
   program.set_version_flag("--version", "radius-packet " PROGRAM_VERSION);
   program.require_subcommand(1);
   program.failure_message(CLI::FailureMessage::simple);
-  DecodeCommand decode(program);
-  BuildCommand build(program);
-  EditCommand edit(program);
-  CLI::App& dictionaryCommands = addCommandGroup(program, "dictionary", "Looks into dictionaries");
-  DictionaryCheckCommand dictionaryCheck(dictionaryCommands);
-  DictionaryShowCommand dictionaryShow(dictionaryCommands);
-  DictionaryListCommand dictionaryList(dictionaryCommands);
-  const auto commands = std::to_array<Command*>(
-      {&decode, &build, &edit, &dictionaryCheck, &dictionaryShow, &dictionaryList});
+  const std::vector<std::unique_ptr<Command>> commands = newCommands(program);
   try {
     program.parse(parserArguments(arguments));
   } catch (const CLI::ParseError& end) {
     return endOfParsing(program, end);
   }
-  const auto asked = std::ranges::find_if(commands, &Command::isAskedFor);
+  const auto asked = std::ranges::find_if(
+      commands, [](const std::unique_ptr<Command>& command) { return command->isAskedFor(); });
   return (*asked)->run();
 }
 

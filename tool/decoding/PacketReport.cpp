@@ -4,11 +4,8 @@ namespace RadiusPacketTool {
 
 using RadiusPktParserBase::ErrorMsg;
 
-ExitCode exitCodeOf(const PacketReport& report) {
-  if (!report.error.has_value()) {
-    return ExitCode::checkFailed;
-  }
-  switch (*report.error) {
+ExitCode exitCodeOf(ErrorMsg error) {
+  switch (error) {
     case ErrorMsg::success:
       return ExitCode::success;
     case ErrorMsg::invalidPktAuth:
@@ -18,6 +15,10 @@ ExitCode exitCodeOf(const PacketReport& report) {
     default:
       return ExitCode::refused;
   }
+}
+
+ExitCode exitCodeOf(const PacketReport& report) {
+  return report.error.has_value() ? exitCodeOf(*report.error) : ExitCode::checkFailed;
 }
 
 std::string faultText(const PacketReport& report) {

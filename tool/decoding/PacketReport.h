@@ -65,6 +65,9 @@ inline bool isAccepted(const PacketReport& report) {
   return report.error == RadiusPktParserBase::ErrorMsg::success;
 }
 
+/// What a packet with that error contributes to the exit code.
+ExitCode exitCodeOf(RadiusPktParserBase::ErrorMsg error);
+
 /// What a packet contributes to the exit code; that of several packets is the greatest.
 ExitCode exitCodeOf(const PacketReport& report);
 

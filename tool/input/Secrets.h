@@ -13,7 +13,7 @@ namespace RadiusPacketTool {
 /// The shared secrets of a run.
 class Secrets {
  public:
-  /// One secret for all packets.
+  /// One secret for all packets, or null: none for any.
   explicit Secrets(std::unique_ptr<const Secret> forAll);
 
   /// The secret of a packet, or null when there is none for its client; valid as long as the

@@ -3,6 +3,7 @@
 #include <CLI/CLI.hpp>
 
 #include "Verda/Bytes.h"
+#include "Verda/Types.h"
 
 #include "tool/decoding/Exchanges.h"
 #include "tool/dictionary/DictionaryLoading.h"
@@ -15,11 +16,15 @@
 
 namespace RadiusPacketTool {
 
+/// Whether a command can do without a secret.
+enum class SecretNeed : Verda::U8 { required, optional };
+
 /// The options of a command that reads packets.
 struct PacketOptions {
   /// Adds the options to `command`, which must outlive the object.
-  explicit PacketOptions(CLI::App& command);
+  explicit PacketOptions(CLI::App& command, SecretNeed need = SecretNeed::required);
 
+  SecretNeed secretNeed;
   SecretOption secret;
   DictionaryOption dictionary;
   RequestAuthenticatorOption requestAuthenticator;

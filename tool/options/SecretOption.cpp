@@ -44,6 +44,11 @@ bool SecretOption::readsStandardInput() const {
   return file_ == standardInputName;
 }
 
+bool SecretOption::isGiven() const {
+  return fileOption_->count() > 0 || textOption_->count() > 0 ||
+         std::getenv(secretVariable) != nullptr;
+}
+
 Secrets SecretOption::secrets() {
   return Secrets(std::unique_ptr<const Secret>(new Secret(secret())));
 }

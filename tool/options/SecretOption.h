@@ -18,6 +18,9 @@ class SecretOption {
   /// Whether the secret's file is standard input.
   bool readsStandardInput() const;
 
+  /// Whether there is one, in any of the ways.
+  bool isGiven() const;
+
   /// The secret, once the command line is parsed. Throws `ToolError` when none is given or its file
   /// cannot be read.
   Secret secret();

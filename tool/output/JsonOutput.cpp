@@ -1,27 +1,20 @@
 #include "tool/output/JsonOutput.h"
 
-#include <optional>
 #include <variant>
 
 #include <nlohmann/json.hpp>
 
 #include "Verda/Escape.h"
 
-#include "RadiusPacketParser/RadiusPacketConstants.h"
+#include "tool/output/PacketJson.h"
 #include "tool/text/HexText.h"
 #include "tool/text/JsonLine.h"
 
 namespace RadiusPacketTool {
 
 using Json = nlohmann::ordered_json;
-using RadiusPacketParser::RadiusCode;
 
 namespace {
-
-template <typename Value>
-Json jsonOrNull(const std::optional<Value>& value) {
-  return value.has_value() ? Json(*value) : Json(nullptr);
-}
 
 struct ValueWriter {
   Json operator()(const ShownNumber& number) const { return number.number; }
@@ -45,39 +38,12 @@ Json attributeJson(const ReportedAttribute& attribute, const OutputOptions& opti
           {"hex", hexText(attribute.wire)}};
 }
 
-Json codeNameJson(const PacketReport& report) {
-  if (!report.header.code.has_value()) {
-    return nullptr;
-  }
-  const auto code = static_cast<RadiusCode::RadiusCodeEnum>(*report.header.code);
-  return std::string(stringValue(code).view());
-}
-
-/// The name of an enumerator that may be missing.
-template <typename Enum>
-Json nameJson(const std::optional<Enum>& value) {
-  return value.has_value() ? Json(std::string(stringValue(*value).view())) : Json(nullptr);
-}
-
-Json placeJson(const PacketPlace& place) {
-  return {{"source", Verda::escaped(place.source)}, {"index", place.index}};
-}
-
 Json packetJson(const PacketReport& report, const OutputOptions& options) {
-  Json packet = {{"schema", jsonSchema}, {"kind", "packet"}};
-  packet.update(placeJson(report.place));
-  packet["code"] = jsonOrNull(report.header.code);
-  packet["codeName"] = codeNameJson(report);
-  packet["id"] = jsonOrNull(report.header.id);
-  packet["length"] = jsonOrNull(report.header.length);
-  packet["authenticator"] = report.header.authenticator.has_value()
-                                ? Json(hexText(*report.header.authenticator))
-                                : Json(nullptr);
+  Json packet = packetFrontJson("packet", report.place, report.header);
   packet["pairedWith"] =
       report.pairedWith.has_value() ? placeJson(*report.pairedWith) : Json(nullptr);
   packet["error"] = nameJson(report.error);
-  packet["reason"] =
-      report.reason.has_value() ? Json(Verda::escaped(*report.reason)) : Json(nullptr);
+  packet["reason"] = textJson(report.reason);
   packet["messageAuthenticator"] = report.messageAuthenticatorPresent;
   if (options.statusServer) {
     packet["statusServer"] = nameJson(report.statusServer);

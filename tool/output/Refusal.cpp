@@ -8,24 +8,19 @@ namespace RadiusPacketTool {
 
 using RadiusPktParserBase::ErrorMsg;
 
-namespace {
-
-/// When what came of a source is no packet at all, it may have been meant as hex.
-void explainBinary(const InputPacket& packet, const PacketReport& report) {
-  if (packet.whyBinary.has_value() && report.error == ErrorMsg::invalidPktLength) {
+void complainIfTakenAsBinary(const InputPacket& packet, std::optional<ErrorMsg> error) {
+  if (packet.whyBinary.has_value() && error == ErrorMsg::invalidPktLength) {
     complain(fmt::format("{} is taken as binary, for it is no hex text: line {}: {}",
                          packet.place.source, packet.whyBinary->line(), packet.whyBinary->what()));
   }
 }
-
-}  // namespace
 
 void complainIfRefused(const InputPacket& packet, const PacketReport& report) {
   if (isAccepted(report)) {
     return;
   }
   complain(fmt::format("{} refused: {}", placeText(report.place), faultText(report)));
-  explainBinary(packet, report);
+  complainIfTakenAsBinary(packet, report.error);
 }
 
 void complainOfWarnings(const PacketReport& report) {

@@ -2,7 +2,6 @@
 
 #include <iterator>
 #include <string_view>
-#include <variant>
 
 #include <fmt/format.h>
 
@@ -10,26 +9,13 @@
 
 #include "RadiusPacketParser/RadiusPacketConstants.h"
 #include "tool/text/HexText.h"
+#include "tool/text/ShownText.h"
 
 namespace RadiusPacketTool {
 
 using RadiusPacketParser::RadiusCode;
 
 namespace {
-
-std::string_view checkText(Check check) {
-  switch (check) {
-    case Check::absent:
-      return "absent";
-    case Check::unchecked:
-      return "unchecked";
-    case Check::verified:
-      return "verified";
-    case Check::wrong:
-      return "wrong";
-  }
-  return {};
-}
 
 std::string authenticatorText(const PacketReport& report) {
   std::string text = fmt::format(", authenticator {}", hexText(*report.header.authenticator));
@@ -65,26 +51,28 @@ std::string headerLine(const PacketReport& report) {
   return line + '\n';
 }
 
-struct ValueWriter {
-  std::string operator()(const ShownNumber& number) const {
-    return number.name.empty() ? fmt::format("{}", number.number)
-                               : fmt::format("{} ({})", number.name, number.number);
-  }
-  std::string operator()(const ShownText& text) const {
-    return fmt::format("\"{}\"", text.escaped);
-  }
-  std::string operator()(const ShownBytes& shown) const { return prefixedHex(shown.bytes); }
-  std::string operator()(const ShownPlain& plain) const { return plain.text; }
-};
-
 std::string attributeLine(const ReportedAttribute& attribute, const OutputOptions& options) {
   const bool isRedacted = options.redact && attribute.isRevealed;
   const std::string tag = attribute.tag.has_value() ? fmt::format(":{}", *attribute.tag) : "";
   return fmt::format("{}{} = {}\n", Verda::escaped(attribute.name), tag,
-                     isRedacted ? "(redacted)" : std::visit(ValueWriter(), attribute.value));
+                     isRedacted ? "(redacted)" : shownText(attribute.value));
 }
 
 }  // namespace
+
+std::string_view checkText(Check check) {
+  switch (check) {
+    case Check::absent:
+      return "absent";
+    case Check::unchecked:
+      return "unchecked";
+    case Check::verified:
+      return "verified";
+    case Check::wrong:
+      return "wrong";
+  }
+  return {};
+}
 
 std::string textOf(const PacketReport& report, const OutputOptions& options) {
   std::string text = headerLine(report);
