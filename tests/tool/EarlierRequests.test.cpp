@@ -96,5 +96,17 @@ TEST(EarlierRequests, ResponseWithoutAnIdentifierAnswersNothing) {
   EXPECT_EQ(requests.answeredBy(PacketHeader()), std::nullopt);
 }
 
+TEST(EarlierRequests, KeepsTheLatestOfAllForALookBack) {
+  EarlierRequests requests;
+  for (std::size_t index = 1; index <= 300; ++index) {
+    requests.take({.source = "file", .index = index}, header(1, 7, static_cast<U8>(index)));
+    requests.take({.source = "file", .index = index}, header(2, 7));
+  }
+  ASSERT_EQ(requests.recent().size(), 256U);
+  EXPECT_EQ(requests.recent().front().place.index, 45U);
+  EXPECT_EQ(requests.recent().back().place.index, 300U);
+  EXPECT_EQ(requests.recent().back().authenticator, Verda::Bytes(ByteVector(16, 300 - 256)));
+}
+
 }  // namespace
 }  // namespace RadiusPacketTool

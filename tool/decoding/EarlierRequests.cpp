@@ -1,6 +1,7 @@
 #include "tool/decoding/EarlierRequests.h"
 
 #include <algorithm>
+#include <cstddef>
 #include <span>
 
 #include "RadiusPacketParser/RadiusPktCommon.h"
@@ -12,15 +13,27 @@ using RadiusPktParserBase::isRequest;
 using Verda::Bytes;
 using Verda::U8;
 
+namespace {
+
+/// As many as there are Identifiers.
+constexpr std::size_t maxRecent = 256;
+
+}  // namespace
+
 void EarlierRequests::take(const PacketPlace& place, const PacketHeader& header) {
   if (!header.authenticator.has_value() || !isRequest(*header.code)) {
     return;
   }
+  const EarlierRequest request{.place = place,
+                               .code = *header.code,
+                               .authenticator = Bytes(std::span<const U8>(*header.authenticator))};
   std::vector<EarlierRequest>& sameId = requests_[*header.id];
   std::erase_if(sameId, [&](const EarlierRequest& r) { return r.code == *header.code; });
-  sameId.push_back({.place = place,
-                    .code = *header.code,
-                    .authenticator = Bytes(std::span<const U8>(*header.authenticator))});
+  sameId.push_back(request);
+  recent_.push_back(request);
+  if (recent_.size() > maxRecent) {
+    recent_.pop_front();
+  }
 }
 
 const EarlierRequest* EarlierRequests::answeredBy(const PacketHeader& response) const {

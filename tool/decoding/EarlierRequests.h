@@ -1,5 +1,6 @@
 #pragma once
 
+#include <deque>
 #include <map>
 #include <vector>
 
@@ -29,9 +30,14 @@ class EarlierRequests {
   /// until the next packet is taken.
   const EarlierRequest* answeredBy(const PacketHeader& response) const;
 
+  /// The latest requests of all, those too that no response can answer any more; the last one is
+  /// the nearest. Valid until the next packet is taken.
+  const std::deque<EarlierRequest>& recent() const { return recent_; }
+
  private:
   /// By Identifier, the latest of each code in the order of the packets.
   std::map<Verda::U8, std::vector<EarlierRequest>> requests_;
+  std::deque<EarlierRequest> recent_;
 };
 
 }  // namespace RadiusPacketTool

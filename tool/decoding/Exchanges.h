@@ -33,6 +33,9 @@ class Exchanges {
   /// What is known of the next packet.
   PacketContext next(const InputPacket& packet);
 
+  /// The requests among the packets so far.
+  const EarlierRequests& requests() const { return requests_.requests(); }
+
  private:
   const Secrets& secrets_;
   RequestAuthenticators requests_;

@@ -33,6 +33,8 @@ class RequestAuthenticators {
   /// Notes a packet, which the responses behind it may answer.
   void take(const PacketPlace& place, const PacketHeader& header) { requests_.take(place, header); }
 
+  const EarlierRequests& requests() const { return requests_; }
+
  private:
   Verda::Bytes given_;
   EarlierRequests requests_;
