@@ -55,6 +55,7 @@ KEPT_APART = {
     "openssl": ("ZoCrypto", "tests", "bench"),
     "CLI": ("tool/options", "tool/commands", "tool", "tests"),
     "nlohmann": ("tool/text", "tool/dictionary", "tool/output", "tool/anatomy", "tests"),
+    "pcap": ("tool/capture",),
     "gtest": ("tests", "fuzz"),
     "gmock": ("tests", "fuzz"),
     "benchmark": ("bench",),

@@ -480,7 +480,7 @@ class Secret(unittest.TestCase):
         unexpected = "there is an option or argument that was not expected"
         value = "an option has a value that it does not take"
         excluded = "-s excludes --secret"
-        no_format = "-f: the formats are auto, hex and binary"
+        no_format = "-f: the formats are auto, hex, binary and capture"
         empty = "no option but --secret takes an empty value behind ="
         for arguments, fault in (
             (["--secret", secret, "decode", "p"], unexpected),

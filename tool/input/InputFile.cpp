@@ -2,6 +2,7 @@
 
 #include <cerrno>
 #include <fcntl.h>
+#include <sys/stat.h>
 #include <system_error>
 #include <unistd.h>
 
@@ -37,6 +38,12 @@ std::size_t InputFile::read(std::span<Verda::U8> to) const {
       fail();
     }
   }
+}
+
+std::size_t InputFile::size() const {
+  struct stat status {};
+  const bool isFile = ::fstat(descriptor_, &status) == 0 && S_ISREG(status.st_mode);
+  return isFile ? static_cast<std::size_t>(status.st_size) : 0;
 }
 
 void InputFile::fail() const {

@@ -26,6 +26,9 @@ class InputFile {
   /// read.
   std::size_t read(std::span<Verda::U8> to) const;
 
+  /// The length of a file on a disk; 0 of everything else.
+  std::size_t size() const;
+
  private:
   [[noreturn]] void fail() const;
 

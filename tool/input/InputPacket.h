@@ -29,6 +29,8 @@ struct InputPacket {
   std::vector<Verda::U8> bytes;
   std::optional<Datagram> datagram;  ///< of a packet from a capture
   std::optional<BadHex> whyBinary;   ///< of a source that nobody called binary: why it is not hex
+  /// Of a packet that a capture cut short: how many bytes it had.
+  std::optional<std::size_t> cutFrom = std::nullopt;
 };
 
 }  // namespace RadiusPacketTool

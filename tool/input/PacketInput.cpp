@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstddef>
 #include <span>
+#include <utility>
 
 #include <fmt/format.h>
 
@@ -15,11 +16,10 @@ using Verda::U8;
 
 namespace {
 
-PacketSource readSource(const std::string& name, InputFormat format) {
+PacketSource readSource(const std::string& name, PeekedFile& file, InputFormat format) {
   constexpr std::size_t pieceSize = 65536;
   std::vector<U8> buffer(pieceSize);
   SourceReader reader(format);
-  const InputFile file(name);
   while (reader.wantsMore()) {
     const std::size_t count = file.read(buffer);
     if (count == 0) {
@@ -35,25 +35,38 @@ PacketSource readSource(const std::string& name, InputFormat format) {
   }
 }
 
+OpenedSource openSource(const std::string& name, InputFormat format) {
+  auto file = std::make_unique<PeekedFile>(name);
+  if (format == InputFormat::capture ||
+      (format == InputFormat::automatic && isCapture(file->start()))) {
+    return {.source = {.name = name, .packets = {}, .whyBinary = {}}, .capture = std::move(file)};
+  }
+  return {.source = readSource(name, *file, format), .capture = nullptr};
+}
+
+bool isWithoutPackets(const OpenedSource& opened) {
+  return opened.capture == nullptr && opened.source.packets.empty();
+}
+
 }  // namespace
 
 bool readsStandardInput(const std::vector<std::string>& files) {
   return files.empty() || std::ranges::find(files, standardInputName) != files.end();
 }
 
-std::vector<PacketSource> readPackets(const std::vector<std::string>& files, InputFormat format) {
+std::vector<OpenedSource> openSources(const std::vector<std::string>& files, InputFormat format) {
   if (std::ranges::count(files, standardInputName) > 1) {
     throw ToolError(ExitCode::usage, "standard input (-) can be read only once");
   }
-  std::vector<PacketSource> sources;
+  std::vector<OpenedSource> sources;
   if (files.empty()) {
-    sources.push_back(readSource(standardInputName, format));
+    sources.push_back(openSource(standardInputName, format));
   }
   for (const std::string& file : files) {
-    sources.push_back(readSource(file, format));
+    sources.push_back(openSource(file, format));
   }
-  if (std::ranges::all_of(sources, [](const PacketSource& s) { return s.packets.empty(); })) {
-    throw ToolError(ExitCode::noInput, "no packets in the input");
+  if (std::ranges::all_of(sources, isWithoutPackets)) {
+    throw ToolError(ExitCode::noInput, noPackets);
   }
   return sources;
 }

@@ -1,26 +1,95 @@
 #include "tool/input/PacketStream.h"
 
+#include <algorithm>
+#include <span>
 #include <utility>
 
-#include "tool/input/PacketInput.h"
+#include <fmt/format.h>
+
+#include "tool/process/StandardStreams.h"
+#include "tool/process/ToolError.h"
 
 namespace RadiusPacketTool {
 
-PacketStream::PacketStream(const std::vector<std::string>& files, InputFormat format)
-    : sources_(readPackets(files, format)) {}
+PacketStream::PacketStream(const std::vector<std::string>& files, InputFormat format,
+                           const UdpPorts& ports)
+    : sources_(openSources(files, format)),
+      ports_(ports),
+      hasCapture_(std::ranges::any_of(
+          sources_, [](const OpenedSource& opened) { return opened.capture != nullptr; })) {}
 
 std::optional<InputPacket> PacketStream::next() {
-  for (; source_ < sources_.size(); ++source_, packet_ = 0) {
-    PacketSource& source = sources_[source_];
-    if (packet_ < source.packets.size()) {
-      std::vector<Verda::U8>& bytes = source.packets[packet_++];
-      return InputPacket{.place = {.source = source.name, .index = packet_},
-                         .bytes = std::move(bytes),
-                         .datagram = std::nullopt,
-                         .whyBinary = source.whyBinary};
+  for (; source_ < sources_.size(); endSource()) {
+    if (std::optional<InputPacket> packet = nextOf(sources_[source_])) {
+      ++given_;
+      return packet;
     }
   }
+  if (given_ == 0) {
+    throw ToolError(ExitCode::noInput, noPackets);
+  }
   return std::nullopt;
+}
+
+std::optional<InputPacket> PacketStream::nextOf(OpenedSource& opened) {
+  if (opened.capture != nullptr) {
+    return nextOfCapture(opened);
+  }
+  PacketSource& source = opened.source;
+  if (packet_ == source.packets.size()) {
+    return std::nullopt;
+  }
+  std::vector<Verda::U8>& bytes = source.packets[packet_++];
+  return InputPacket{.place = {.source = source.name, .index = packet_},
+                     .bytes = std::move(bytes),
+                     .datagram = std::nullopt,
+                     .whyBinary = source.whyBinary};
+}
+
+std::optional<InputPacket> PacketStream::nextOfCapture(OpenedSource& opened) {
+  if (!reader_.has_value()) {
+    reader_.emplace(
+        opened.source.name,
+        [&file = *opened.capture](std::span<Verda::U8> to) { return file.read(to); }, ports_);
+  }
+  std::optional<CapturedPacket> captured = reader_->next();
+  if (!captured.has_value()) {
+    return std::nullopt;
+  }
+  const std::size_t size = captured->bytes.size();
+  return InputPacket{.place = {.source = opened.source.name, .index = ++packet_},
+                     .bytes = std::move(captured->bytes),
+                     .datagram = captured->datagram,
+                     .whyBinary = std::nullopt,
+                     .cutFrom = size < captured->originalLength
+                                    ? std::optional(captured->originalLength)
+                                    : std::nullopt};
+}
+
+void PacketStream::endSource() {
+  if (reader_.has_value()) {
+    const CaptureCounts counts = reader_->counts();
+    if (counts.cut > 0) {
+      complain(fmt::format("{}: warning: {} frames are cut short", sources_[source_].source.name,
+                           counts.cut));
+    }
+    counts_ += counts;
+    reader_.reset();
+    sources_[source_].capture.reset();
+  }
+  ++source_;
+  packet_ = 0;
+}
+
+std::optional<CaptureCounts> PacketStream::captureCounts() const {
+  if (!hasCapture_) {
+    return std::nullopt;
+  }
+  CaptureCounts counts = counts_;
+  if (reader_.has_value()) {
+    counts += reader_->counts();
+  }
+  return counts;
 }
 
 }  // namespace RadiusPacketTool

@@ -19,7 +19,7 @@ const InputFormat* formatFind(std::string_view name) {
 
 /// What is wrong with a format's name, without the name: it may be a secret that went astray.
 std::string formatFault(const std::string& name) {
-  return formatFind(name) != nullptr ? "" : "the formats are auto, hex and binary";
+  return formatFind(name) != nullptr ? "" : "the formats are auto, hex, binary and capture";
 }
 
 }  // namespace
@@ -27,7 +27,7 @@ std::string formatFault(const std::string& name) {
 PacketFilesOption::PacketFilesOption(CLI::App& command) {
   command.add_option("-f", format_, "Format of the input; auto by default")
       ->type_name("FORMAT")
-      ->check(formatFault, "{auto,hex,binary}");
+      ->check(formatFault, "{auto,hex,binary,capture}");
   command.add_option("FILE", files_, "Files to read")->type_name("");
 }
 
