@@ -40,7 +40,7 @@ class Packet(NamedTuple):
 
 
 def tshark(*arguments):
-    return subprocess.run(["tshark", "-n", *arguments], check=True, capture_output=True,
+    return subprocess.run(["tshark", *arguments], check=True, capture_output=True,
                           timeout=PATIENCE_SECONDS).stdout.decode(errors="replace")
 
 
@@ -54,11 +54,17 @@ def number(fields, name):
     return int(fields[name].get("show")) if name in fields else 0
 
 
+def wire_of(field):
+    """The bytes of a field; of bits within a byte, the number that they are."""
+    digits = field.get("value", "")
+    return bytes.fromhex(digits.zfill(len(digits) + len(digits) % 2))
+
+
 def attribute_of(element, start, kinds):
     elements = [field for field in element.iter("field") if field.get("name").startswith("radius.")]
     framing = {field.get("name"): field for field in elements if field.get("name") in FRAMING}
     fields = [Field(field.get("name"), kinds.get(field.get("name")), field.get("show"),
-                    bytes.fromhex(field.get("value")))
+                    wire_of(field))
               for field in elements if field.get("name") not in FRAMING]
     numbers = tuple(number(framing, f"radius.avp.{part}")
                     for part in ("type", "vendor_id", "vendor_type"))
@@ -82,7 +88,7 @@ def packet_of(frame, kinds):
 def dissected(capture, secret):
     """The RADIUS packets of a capture, in its order."""
     kinds = field_kinds()
-    text = tshark("-r", capture, "-Y", "radius", "-T", "pdml", "-o",
+    text = tshark("-n", "-r", capture, "-Y", "radius", "-T", "pdml", "-o",
                   f"radius.shared_secret:{secret}", "-o", "radius.validate_authenticator:TRUE")
     frames = ElementTree.iterparse(io.BytesIO(NOT_XML.sub("?", text).encode()))
     for _, frame in frames:
