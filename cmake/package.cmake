@@ -29,7 +29,10 @@ if(NOT PROJECT_IS_TOP_LEVEL)
 endif()
 set(CPACK_GENERATOR DEB)
 set(CPACK_PACKAGE_NAME radius-packet-parser)
-set(CPACK_PACKAGE_CONTACT "The authors of libRadiusPacketParser <radius-packet-parser@localhost>")
+# A Debian package names a maintainer: whoever makes it for others says who that is.
+set(RADIUS_PACKAGE_CONTACT "The authors of libRadiusPacketParser <radius-packet-parser@localhost>"
+    CACHE STRING "The maintainer that stands in the packages")
+set(CPACK_PACKAGE_CONTACT "${RADIUS_PACKAGE_CONTACT}")
 set(CPACK_PACKAGE_VERSION ${PROJECT_VERSION})
 set(CPACK_PACKAGING_INSTALL_PREFIX /usr)
 set(CPACK_STRIP_FILES ON)
