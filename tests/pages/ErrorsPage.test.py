@@ -29,7 +29,7 @@ class ErrorsPage(unittest.TestCase):
     def test_has_every_error_by_name_and_number(self):
         types = (LIBRARY / "RadiusPktTypes.h").read_text(encoding="utf-8")
         errors = re.findall(r"X\((\w+), (\d+)\)", types)
-        self.assertEqual(len(errors), 21)
+        self.assertGreaterEqual(len(errors), 21)
         self.assertEqual([error for error in errors
                           if f"| `{error[0]}` | {error[1]} |" not in self.page], [])
 
