@@ -31,8 +31,8 @@ class Requests {
 
   /// The index of the request that a response answers, or nothing.
   std::optional<std::size_t> answeredBy(const PacketHeader& response) const {
-    const EarlierRequest* found = requests_.answeredBy(response);
-    return found == nullptr ? std::nullopt : std::optional(found->place.index);
+    const std::optional<EarlierRequest> found = requests_.answeredBy(response);
+    return found.has_value() ? std::optional(found->place.index) : std::nullopt;
   }
 
  private:
@@ -43,8 +43,8 @@ class Requests {
 TEST(EarlierRequests, KeepsWhereTheRequestStandsAndItsAuthenticator) {
   EarlierRequests requests;
   requests.take({.source = "file", .index = 3}, header(1, 7, 0xab));
-  const EarlierRequest* found = requests.answeredBy(header(2, 7));
-  ASSERT_NE(found, nullptr);
+  const std::optional<EarlierRequest> found = requests.answeredBy(header(2, 7));
+  ASSERT_TRUE(found.has_value());
   EXPECT_EQ(found->place, (PacketPlace{.source = "file", .index = 3}));
   EXPECT_EQ(found->code, 1);
   EXPECT_EQ(found->authenticator, Verda::Bytes(ByteVector(16, 0xab)));

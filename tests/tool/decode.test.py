@@ -29,8 +29,8 @@ DICTIONARIES = DATA.parent.parent / "dictionaries"
 GOLDEN_COUNT = golden_count(DATA)
 CHECK_FAILED = ("invalidPktAuth", "invalidMsgAuth", "missingRequiredMsgAuth")
 PACKET_KEYS = [
-    "schema", "kind", "source", "index", "code", "codeName", "id", "length", "authenticator",
-    "pairedWith", "error", "reason", "messageAuthenticator", "attributes",
+    "schema", "kind", "source", "index", "time", "from", "to", "code", "codeName", "id", "length",
+    "authenticator", "pairedWith", "retransmissionOf", "error", "reason", "messageAuthenticator", "attributes",
 ]
 ATTRIBUTE_KEYS = [
     "offset", "length", "attrId", "vendorId", "vendorAttrId", "name", "type", "tag", "value",

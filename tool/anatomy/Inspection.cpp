@@ -51,8 +51,11 @@ Revealing revealingOf(const PacketContext& context) {
 
 Inspection inspected(const InputPacket& packet, const PacketContext& context,
                      const Ptr<const RadiusDict>& dictionary, const Decoder& decoder) {
-  Inspection inspection{
-      .place = packet.place, .header = context.header, .anatomy = {}, .report = std::nullopt};
+  Inspection inspection{.place = packet.place,
+                        .datagram = packet.datagram,
+                        .header = context.header,
+                        .anatomy = {},
+                        .report = std::nullopt};
   if (context.secret == nullptr) {
     inspection.anatomy = anatomyOf(packet.bytes, dictionary);
     return inspection;

@@ -19,6 +19,7 @@ namespace RadiusPacketTool {
 /// All that `inspect` knows of a packet.
 struct Inspection {
   PacketPlace place;
+  std::optional<Datagram> datagram;  ///< of a packet from a capture
   PacketHeader header;
   Anatomy anatomy;
   std::optional<PacketReport> report;  ///< nothing without a secret

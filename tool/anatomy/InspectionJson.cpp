@@ -42,7 +42,8 @@ Json checksJson(const std::optional<PacketReport>& report) {
 }  // namespace
 
 std::string jsonOf(const Inspection& inspection, const OutputOptions& options) {
-  Json packet = packetFrontJson("anatomy", inspection.place, inspection.header);
+  Json packet =
+      packetFrontJson("anatomy", inspection.place, inspection.datagram, inspection.header);
   const Field* first = inspection.anatomy.firstFaulty();
   packet["structure"] = first == nullptr ? "success" : faultJson(*first)["error"];
   packet["checks"] = checksJson(inspection.report);

@@ -40,8 +40,8 @@ class Fragments {
   std::size_t incomplete() const;
 
  private:
-  /// What a datagram's fragments have in common: addresses, protocol and identification.
-  using Key = std::array<Verda::U8, 38>;
+  /// What a datagram's fragments have in common: identification, version, protocol, addresses.
+  using Key = std::array<Verda::U8, 4 + 1 + 1 + 2 * Zonet::Ip6Addr::length>;
 
   struct Datagram {
     Key key{};

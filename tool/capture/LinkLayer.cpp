@@ -1,5 +1,7 @@
 #include "tool/capture/LinkLayer.h"
 
+#include <algorithm>
+#include <array>
 #include <pcap/dlt.h>
 
 #include "Zonet/WireReader.h"
@@ -70,8 +72,11 @@ ReadStep readCooked2(WireReader& reader) {
   return readBehind(protocol, reader);
 }
 
-/// The address family in front of the packet is that of the system that captured, in its byte
-/// order: 2 everywhere for IPv4, of IPv6 that of Linux and of the BSDs.
+/// The numbers of the address families in front of a packet on a loopback: that of IPv4, which is
+/// one everywhere, and those of IPv6 on Linux, NetBSD and OpenBSD, FreeBSD, and macOS.
+constexpr std::array<U32, 5> ipFamilies{2, 10, 24, 28, 30};
+
+/// The family stands in the byte order of the system that captured.
 ReadStep readLoopback(WireReader& reader) {
   U32 family = 0;
   if (!reader.read(family)) {
@@ -79,16 +84,9 @@ ReadStep readLoopback(WireReader& reader) {
   }
   constexpr U32 mostFamily = 0xff;
   constexpr unsigned lowestByteShift = 24;
-  switch (family > mostFamily ? family >> lowestByteShift : family) {
-    case 2:
-    case 10:
-    case 24:
-    case 28:
-    case 30:
-      return ReadStep::done;
-    default:
-      return ReadStep::foreign;
-  }
+  const U32 number = family > mostFamily ? family >> lowestByteShift : family;
+  const bool isIp = std::ranges::find(ipFamilies, number) != ipFamilies.end();
+  return isIp ? ReadStep::done : ReadStep::foreign;
 }
 
 ReadStep readHeaders(int linkType, WireReader& reader) {

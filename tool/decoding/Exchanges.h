@@ -17,8 +17,9 @@ namespace RadiusPacketTool {
 /// What the rest of the input says of a packet.
 struct PacketContext {
   PacketHeader header;
-  RequestAuthenticator request;    ///< that which the packet answers
-  const Secret* secret = nullptr;  ///< null when there is none for its client
+  RequestAuthenticator request;                 ///< that which the packet answers
+  std::optional<PacketPlace> retransmissionOf;  ///< the packet that it repeats
+  const Secret* secret = nullptr;               ///< null when there is none for its client
 };
 
 /// Finds out of packets, in their order, what is needed to judge them: the request that each
@@ -36,13 +37,16 @@ class Exchanges {
   /// The requests among the packets so far.
   const EarlierRequests& requests() const { return requests_.requests(); }
 
+  /// What became of the requests so far.
+  const ExchangeCounts& counts() const { return requests_.counts(); }
+
  private:
   const Secrets& secrets_;
   RequestAuthenticators requests_;
 };
 
-/// Decodes a packet with what is known of it; one without a secret gets no verdict, and the report
-/// says why.
+/// Decodes a packet with what is known of it; one without a secret, or that its capture cut short,
+/// gets no verdict, and the report says why.
 PacketReport reportOf(const Decoder& decoder, const InputPacket& packet,
                       const PacketContext& context);
 

@@ -45,6 +45,7 @@ bool lacksRequestAuthenticator(U8 code, const Verda::Bytes& requestAuthenticator
     return false;
   }
   report.authenticatorCheck = Check::unchecked;
+  report.missing = Missing::requestAuthenticator;
   report.reason = noRequestAuthenticator;
   return true;
 }

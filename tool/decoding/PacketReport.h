@@ -33,6 +33,9 @@ struct ReportedAttribute {
 /// What a check found out. `unchecked` stands for what nobody can check or has checked.
 enum class Check : Verda::U8 { absent, unchecked, verified, wrong };
 
+/// What there would have to be for a verdict on a packet.
+enum class Missing : Verda::U8 { nothing, requestAuthenticator, secret, bytes };
+
 /// All that is known of one packet once it is decoded, whatever it is shown as.
 struct PacketReport {
   PacketPlace place;
@@ -41,9 +44,12 @@ struct PacketReport {
 
   /// The request whose authenticator a response was checked with, if it was found in the input.
   std::optional<PacketPlace> pairedWith;
+  /// The packet that this one repeats.
+  std::optional<PacketPlace> retransmissionOf;
 
-  /// Nothing when the packet needs a Request Authenticator and none is given.
+  /// Nothing when something is missing for a verdict.
   std::optional<RadiusPktParserBase::ErrorMsg> error;
+  Missing missing = Missing::nothing;
   /// The trace text of the check that failed, if it wrote one; or what is missing.
   std::optional<std::string> reason;
 

@@ -4,6 +4,7 @@
 
 #include "Verda/Bytes.h"
 
+#include "tool/capture/Datagram.h"
 #include "tool/decoding/EarlierRequests.h"
 #include "tool/decoding/PacketHeader.h"
 #include "tool/decoding/PacketReport.h"
@@ -28,10 +29,18 @@ class RequestAuthenticators {
   explicit RequestAuthenticators(const Verda::Bytes& given) : given_(given) {}
 
   /// That of a packet of this header; the given one even for a request, which does without.
-  RequestAuthenticator of(const PacketHeader& header) const;
+  /// @param datagram  what carried the packet, if that is known
+  RequestAuthenticator of(const PacketHeader& header,
+                          const std::optional<Datagram>& datagram = std::nullopt) const;
 
-  /// Notes a packet, which the responses behind it may answer.
-  void take(const PacketPlace& place, const PacketHeader& header) { requests_.take(place, header); }
+  /// Notes a packet, which the responses behind it may answer. Returns the packet that it repeats.
+  std::optional<PacketPlace> take(const PacketPlace& place, const PacketHeader& header,
+                                  const std::optional<Datagram>& datagram = std::nullopt) {
+    return requests_.take(place, header, datagram);
+  }
+
+  /// What became of the requests so far.
+  const ExchangeCounts& counts() const { return requests_.counts(); }
 
   const EarlierRequests& requests() const { return requests_; }
 

@@ -46,11 +46,19 @@ std::optional<InputPacket> PacketStream::nextOf(OpenedSource& opened) {
                      .whyBinary = source.whyBinary};
 }
 
+void PacketStream::openCapture(OpenedSource& opened) {
+  PeekedFile& file = *opened.capture;
+  progress_ = std::make_unique<ProgressLine>(opened.source.name, file.size());
+  const auto read = [&file, &progress = *progress_](std::span<Verda::U8> to) {
+    progress.show(file.position());
+    return file.read(to);
+  };
+  reader_.emplace(opened.source.name, read, ports_);
+}
+
 std::optional<InputPacket> PacketStream::nextOfCapture(OpenedSource& opened) {
   if (!reader_.has_value()) {
-    reader_.emplace(
-        opened.source.name,
-        [&file = *opened.capture](std::span<Verda::U8> to) { return file.read(to); }, ports_);
+    openCapture(opened);
   }
   std::optional<CapturedPacket> captured = reader_->next();
   if (!captured.has_value()) {
@@ -75,6 +83,7 @@ void PacketStream::endSource() {
     }
     counts_ += counts;
     reader_.reset();
+    progress_.reset();
     sources_[source_].capture.reset();
   }
   ++source_;

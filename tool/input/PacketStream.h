@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <memory>
 #include <optional>
 #include <string>
 #include <vector>
@@ -10,6 +11,7 @@
 #include "tool/input/InputFormat.h"
 #include "tool/input/InputPacket.h"
 #include "tool/input/PacketInput.h"
+#include "tool/process/ProgressLine.h"
 
 namespace RadiusPacketTool {
 
@@ -33,6 +35,7 @@ class PacketStream {
  private:
   std::optional<InputPacket> nextOf(OpenedSource& opened);
   std::optional<InputPacket> nextOfCapture(OpenedSource& opened);
+  void openCapture(OpenedSource& opened);
   void endSource();
 
   std::vector<OpenedSource> sources_;
@@ -41,8 +44,9 @@ class PacketStream {
   std::size_t source_ = 0;
   std::size_t packet_ = 0;  ///< of this source, how many were given
   std::size_t given_ = 0;
-  std::optional<CaptureReader> reader_;  ///< of this source, when it is a capture
-  CaptureCounts counts_;                 ///< of the captures in front of it
+  std::unique_ptr<ProgressLine> progress_;  ///< of this source, when it is a capture
+  std::optional<CaptureReader> reader_;     ///< of this source, when it is a capture
+  CaptureCounts counts_;                    ///< of the captures in front of it
 };
 
 }  // namespace RadiusPacketTool

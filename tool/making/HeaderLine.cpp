@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "RadiusPacketParser/RadiusPacketConstants.h"
+#include "tool/capture/DatagramText.h"
 #include "tool/text/CodeText.h"
 #include "tool/text/DecimalText.h"
 #include "tool/text/HexText.h"
@@ -17,6 +18,7 @@ using Verda::U8;
 
 namespace {
 
+constexpr std::string_view fieldFront = ", ";
 constexpr std::string_view idField = ", id ";
 constexpr std::string_view lengthField = ", length ";
 constexpr std::string_view authenticatorField = ", authenticator ";
@@ -51,13 +53,20 @@ bool takeCheck(std::string_view& line) {
          takeText(" (wrong)", line);
 }
 
-/// Whether nothing stands behind the fields that are used but what is printed there: what the check
-/// of the Message-Authenticator found out, and where the packet was found. The name of a file may
-/// hold anything.
-bool isPrintedEnd(std::string_view line) {
-  if (takeText(messageAuthenticatorField, line) && !takeCheck(line)) {
-    return false;
+/// Takes what carried the packet off the front of a line; nothing when it does not stand there.
+std::optional<Datagram> takeDatagram(std::string_view& line) {
+  const std::string_view fields = line.substr(0, line.find(packetField));
+  if (!fields.starts_with(fieldFront)) {
+    return std::nullopt;
   }
+  const std::optional<Datagram> datagram = datagramOf(fields.substr(fieldFront.size()));
+  line.remove_prefix(datagram.has_value() ? fields.size() : 0);
+  return datagram;
+}
+
+/// Whether nothing stands at the end of a line but what is printed there: where the packet was
+/// found. The name of a file may hold anything.
+bool isPrintedEnd(std::string_view line) {
   return line.empty() || (line.starts_with(packetField) &&
                           takeNumber(packetField, std::numeric_limits<U32>::max(), line) &&
                           line.starts_with(" of "));
@@ -80,7 +89,7 @@ std::optional<HeaderLine> headerLineOf(std::string_view line) {
   if (!code.has_value() || !id.has_value()) {
     return std::nullopt;
   }
-  HeaderLine header{.code = *code, .id = static_cast<U8>(*id), .authenticator = {}};
+  HeaderLine header{.code = *code, .id = static_cast<U8>(*id), .authenticator = {}, .datagram = {}};
   if (!takeNumber(lengthField, std::numeric_limits<U16>::max(), rest)) {
     return std::nullopt;
   }
@@ -92,6 +101,10 @@ std::optional<HeaderLine> headerLineOf(std::string_view line) {
     header.authenticator = *std::move(bytes);
     takeCheck(rest);
   }
+  if (takeText(messageAuthenticatorField, rest) && !takeCheck(rest)) {
+    return std::nullopt;
+  }
+  header.datagram = takeDatagram(rest);
   return isPrintedEnd(rest) ? std::optional(header) : std::nullopt;
 }
 

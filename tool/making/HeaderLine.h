@@ -6,6 +6,8 @@
 
 #include "Verda/Types.h"
 
+#include "tool/capture/Datagram.h"
+
 namespace RadiusPacketTool {
 
 /// What the first line of a packet in text form says that a build can use.
@@ -13,6 +15,8 @@ struct HeaderLine {
   Verda::U8 code = 0;
   Verda::U8 id = 0;
   std::vector<Verda::U8> authenticator;  ///< 16 bytes, or empty when the line gives none
+  /// What carried the packet, when the line says so: it tells which request a response answers.
+  std::optional<Datagram> datagram = std::nullopt;
 
   bool operator==(const HeaderLine&) const = default;
 };

@@ -92,12 +92,12 @@ EditedPacket PacketEditor::edit(const InputPacket& packet) {
   const PacketContext context = exchanges_.next(packet);
   EditedPacket edited{.report = reportOf(decoder_, packet, context), .made = {}};
   PacketHeader header = edited.report.header;
-  before_.take(packet.place, header);
+  before_.take(packet.place, header, packet.datagram);
   if (isAccepted(edited.report)) {
     edited.made = changed(edited.report, packet, *context.secret);
     header = headerOf(edited.made.bytes);
   }
-  after_.take(packet.place, header);
+  after_.take(packet.place, header, packet.datagram);
   return edited;
 }
 
@@ -106,7 +106,8 @@ MadePacket PacketEditor::changed(const PacketReport& report, const InputPacket& 
   MadePacket made;
   const BuildPlan plan = planOf(report, made.warnings);
   const RadiusPktBuilder builder(plan.dictionary());
-  const Bytes reqAuth = isRequest(*report.header.code) ? Bytes() : after_.of(report.header).bytes;
+  const Bytes reqAuth =
+      isRequest(*report.header.code) ? Bytes() : after_.of(report.header, report.datagram).bytes;
   const auto build = [&](const Ptr<PktInfoBuilder>& request) {
     return builder.modifyPkt(Zonet::pktFactory(ByteView(packet.bytes)), secret.text(), reqAuth,
                              request);
@@ -148,7 +149,7 @@ BuildPlan PacketEditor::planOf(const PacketReport& report,
 
 /// Hidden values are copied as they are: they are lost when what they are hidden under changes.
 void PacketEditor::warnOfCopies(const PacketReport& report, MadePacket& made) const {
-  if (staysRevealable(report.header, headerOf(made.bytes))) {
+  if (staysRevealable(report, headerOf(made.bytes))) {
     return;
   }
   for (const ReportedAttribute& attribute : report.attributes) {
@@ -161,9 +162,11 @@ void PacketEditor::warnOfCopies(const PacketReport& report, MadePacket& made) co
   }
 }
 
-bool PacketEditor::staysRevealable(const PacketHeader& before, const PacketHeader& after) const {
+bool PacketEditor::staysRevealable(const PacketReport& report, const PacketHeader& after) const {
+  const PacketHeader& before = report.header;
   return isRequest(*before.code) ? before.authenticator == after.authenticator
-                                 : before_.of(before).bytes == after_.of(before).bytes;
+                                 : before_.of(before, report.datagram).bytes ==
+                                       after_.of(before, report.datagram).bytes;
 }
 
 bool PacketEditor::isCopied(const Attribute& key) const {

@@ -50,7 +50,7 @@ class PacketEditor {
   MadePacket changed(const PacketReport& report, const InputPacket& packet, const Secret& secret);
   BuildPlan planOf(const PacketReport& report, std::vector<std::string>& warnings) const;
   void warnOfCopies(const PacketReport& report, MadePacket& made) const;
-  bool staysRevealable(const PacketHeader& before, const PacketHeader& after) const;
+  bool staysRevealable(const PacketReport& report, const PacketHeader& after) const;
   bool isCopied(const RadiusPktParserBase::Attribute& key) const;
 
   AttributeNames names_;

@@ -63,7 +63,9 @@ MadePacket PacketMaker::make(const PacketText& text) {
   const Bytes reqAuth =
       isRequest(header.code)
           ? Bytes()
-          : requests_.of({.code = header.code, .id = header.id, .length = {}, .authenticator = {}})
+          : requests_
+                .of({.code = header.code, .id = header.id, .length = {}, .authenticator = {}},
+                    header.datagram)
                 .bytes;
   if (!isRequest(header.code) && reqAuth.empty()) {
     refuse(origin(text.line), noRequestAuthenticator);
@@ -82,7 +84,7 @@ MadePacket PacketMaker::make(const PacketText& text) {
   if (auto warning = refusalWarning(decoder_, made.bytes, secret_, reqAuth, origin(text.line))) {
     made.warnings.push_back(*std::move(warning));
   }
-  requests_.take({.source = source_, .index = ++made_}, headerOf(made.bytes));
+  requests_.take({.source = source_, .index = ++made_}, headerOf(made.bytes), header.datagram);
   return made;
 }
 

@@ -12,7 +12,7 @@
 #include "tool/options/DictionaryOption.h"
 #include "tool/options/PacketFilesOption.h"
 #include "tool/options/RequestAuthenticatorOption.h"
-#include "tool/options/SecretOption.h"
+#include "tool/options/SecretsOption.h"
 
 namespace RadiusPacketTool {
 
@@ -25,7 +25,7 @@ struct PacketOptions {
   explicit PacketOptions(CLI::App& command, SecretNeed need = SecretNeed::required);
 
   SecretNeed secretNeed;
-  SecretOption secret;
+  SecretsOption secret;
   DictionaryOption dictionary;
   RequestAuthenticatorOption requestAuthenticator;
   PacketFilesOption files;

@@ -1,7 +1,6 @@
 #include "tool/options/SecretOption.h"
 
 #include <cstdlib>
-#include <memory>
 #include <string_view>
 
 #include "Verda/Types.h"
@@ -47,10 +46,6 @@ bool SecretOption::readsStandardInput() const {
 bool SecretOption::isGiven() const {
   return fileOption_->count() > 0 || textOption_->count() > 0 ||
          std::getenv(secretVariable) != nullptr;
-}
-
-Secrets SecretOption::secrets() {
-  return Secrets(std::unique_ptr<const Secret>(new Secret(secret())));
 }
 
 Secret SecretOption::secret() {

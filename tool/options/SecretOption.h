@@ -5,7 +5,6 @@
 #include <CLI/CLI.hpp>
 
 #include "tool/input/Secret.h"
-#include "tool/input/Secrets.h"
 
 namespace RadiusPacketTool {
 
@@ -24,9 +23,6 @@ class SecretOption {
   /// The secret, once the command line is parsed. Throws `ToolError` when none is given or its file
   /// cannot be read.
   Secret secret();
-
-  /// The secrets of a command that reads packets. Throws as `secret`.
-  Secrets secrets();
 
  private:
   Secret secretFromText();

@@ -39,9 +39,11 @@ Json attributeJson(const ReportedAttribute& attribute, const OutputOptions& opti
 }
 
 Json packetJson(const PacketReport& report, const OutputOptions& options) {
-  Json packet = packetFrontJson("packet", report.place, report.header);
+  Json packet = packetFrontJson("packet", report.place, report.datagram, report.header);
   packet["pairedWith"] =
       report.pairedWith.has_value() ? placeJson(*report.pairedWith) : Json(nullptr);
+  packet["retransmissionOf"] =
+      report.retransmissionOf.has_value() ? placeJson(*report.retransmissionOf) : Json(nullptr);
   packet["error"] = nameJson(report.error);
   packet["reason"] = textJson(report.reason);
   packet["messageAuthenticator"] = report.messageAuthenticatorPresent;

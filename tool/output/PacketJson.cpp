@@ -3,6 +3,7 @@
 #include "Verda/Escape.h"
 
 #include "RadiusPacketParser/RadiusPacketConstants.h"
+#include "tool/capture/DatagramText.h"
 #include "tool/text/HexText.h"
 #include "tool/text/JsonLine.h"
 
@@ -19,9 +20,24 @@ Json placeJson(const PacketPlace& place) {
   return {{"source", Verda::escaped(place.source)}, {"index", place.index}};
 }
 
-Json packetFrontJson(std::string_view kind, const PacketPlace& place, const PacketHeader& header) {
+namespace {
+
+Json datagramJson(const std::optional<Datagram>& datagram) {
+  if (!datagram.has_value()) {
+    return {{"time", nullptr}, {"from", nullptr}, {"to", nullptr}};
+  }
+  return {{"time", timeText(datagram->time)},
+          {"from", endpointText(datagram->from)},
+          {"to", endpointText(datagram->to)}};
+}
+
+}  // namespace
+
+Json packetFrontJson(std::string_view kind, const PacketPlace& place,
+                     const std::optional<Datagram>& datagram, const PacketHeader& header) {
   Json packet = {{"schema", jsonSchema}, {"kind", kind}};
   packet.update(placeJson(place));
+  packet.update(datagramJson(datagram));
   packet["code"] = jsonOrNull(header.code);
   packet["codeName"] =
       header.code.has_value()

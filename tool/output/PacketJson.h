@@ -32,8 +32,9 @@ nlohmann::ordered_json textJson(const std::optional<std::string>& text);
 /// Which packet it is.
 nlohmann::ordered_json placeJson(const PacketPlace& place);
 
-/// The beginning of the object: schema, kind, which packet it is and its header.
+/// The beginning of the object: schema, kind, which packet it is, what carried it, and its header.
 nlohmann::ordered_json packetFrontJson(std::string_view kind, const PacketPlace& place,
+                                       const std::optional<Datagram>& datagram,
                                        const PacketHeader& header);
 
 }  // namespace RadiusPacketTool

@@ -8,6 +8,7 @@
 #include "Verda/Escape.h"
 
 #include "RadiusPacketParser/RadiusPacketConstants.h"
+#include "tool/capture/DatagramText.h"
 #include "tool/text/HexText.h"
 #include "tool/text/ShownText.h"
 
@@ -44,9 +45,16 @@ std::string headerLine(const PacketReport& report) {
   if (report.header.authenticator.has_value()) {
     line += authenticatorText(report);
   }
+  if (report.datagram.has_value()) {
+    line += fmt::format(", {}", datagramText(*report.datagram));
+  }
   line += fmt::format(", {}", Verda::escaped(placeText(report.place)));
   if (report.pairedWith.has_value()) {
     line += fmt::format(", paired with {}", Verda::escaped(placeText(*report.pairedWith)));
+  }
+  if (report.retransmissionOf.has_value()) {
+    line +=
+        fmt::format(", retransmission of {}", Verda::escaped(placeText(*report.retransmissionOf)));
   }
   return line + '\n';
 }

@@ -4,6 +4,7 @@
 #include <cstdio>
 #include <string>
 #include <system_error>
+#include <utility>
 
 #include "Verda/Escape.h"
 
@@ -15,6 +16,17 @@ namespace {
 [[noreturn]] void outputFailed() {
   throw ToolError(ExitCode::outputFailed,
                   "cannot write to standard output: " + std::generic_category().message(errno));
+}
+
+/// Back to the line's start, and clear what stands behind it.
+const std::string clearLine = "\r\x1b[K";
+
+bool statusIsShown = false;
+
+std::string lineOf(std::string_view message) {
+  std::string line = "radius-packet: ";
+  Verda::escapeTo(line, message);
+  return line;
 }
 
 }  // namespace
@@ -32,15 +44,24 @@ void flushOutput() {
   }
 }
 
-void complain(std::string_view message) {
-  std::string line = "radius-packet: ";
-  Verda::escapeTo(line, message);
-  line += '\n';
-  writeErrors(line);
-}
-
 void writeErrors(std::string_view text) {
   static_cast<void>(std::fwrite(text.data(), 1, text.size(), stderr));
+}
+
+void complain(std::string_view message) {
+  clearStatus();
+  writeErrors(lineOf(message) + '\n');
+}
+
+void showStatus(std::string_view message) {
+  writeErrors(clearLine + lineOf(message));
+  statusIsShown = true;
+}
+
+void clearStatus() {
+  if (std::exchange(statusIsShown, false)) {
+    writeErrors(clearLine);
+  }
 }
 
 }  // namespace RadiusPacketTool

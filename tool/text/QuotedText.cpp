@@ -28,6 +28,7 @@ std::vector<U8> bytesOfQuoted(std::string_view quoted) {
     throw BadAttribute("text stands in quotes");
   }
   std::vector<U8> bytes;
+  bytes.reserve(quoted.size());  // a vector that grows would leave copies of a secret behind
   std::string_view rest = quoted.substr(1);
   while (!rest.starts_with('"')) {
     if (rest.empty()) {
