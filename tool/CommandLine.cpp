@@ -16,6 +16,7 @@
 #include "tool/commands/DictionaryListCommand.h"
 #include "tool/commands/DictionaryShowCommand.h"
 #include "tool/commands/EditCommand.h"
+#include "tool/commands/ExplainCommand.h"
 #include "tool/commands/InspectCommand.h"
 #include "tool/input/InputFile.h"
 #include "tool/process/StandardStreams.h"
@@ -107,6 +108,7 @@ std::vector<std::unique_ptr<Command>> newCommands(CLI::App& program) {
   std::vector<std::unique_ptr<Command>> commands;
   commands.push_back(std::make_unique<DecodeCommand>(program));
   commands.push_back(std::make_unique<InspectCommand>(program));
+  commands.push_back(std::make_unique<ExplainCommand>(program));
   commands.push_back(std::make_unique<BuildCommand>(program));
   commands.push_back(std::make_unique<EditCommand>(program));
   CLI::App& dictionary = addCommandGroup(program, "dictionary", "Looks into dictionaries");

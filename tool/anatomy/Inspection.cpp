@@ -1,25 +1,15 @@
 #include "tool/anatomy/Inspection.h"
 
-#include <span>
-
-#include "RadiusPacketParser/RadiusPktCommon.h"
 #include "tool/anatomy/PacketAnatomy.h"
+#include "tool/anatomy/Revealing.h"
 #include "tool/output/TextOutput.h"
 
 namespace RadiusPacketTool {
 
 using RadiusPacketParser::RadiusDict;
-using RadiusPktParserBase::ErrorMsg;
-using Verda::Bytes;
 using Verda::Ptr;
-using Verda::U8;
 
 namespace {
-
-/// Whether it is known that what the secret reveals is not what was hidden.
-bool isForged(const PacketReport& report) {
-  return report.error == ErrorMsg::invalidPktAuth || report.error == ErrorMsg::invalidMsgAuth;
-}
 
 void addCheck(Field& field, Check check) {
   field.meaning += ", ";
@@ -38,17 +28,6 @@ void addChecks(const PacketReport& report, Anatomy& anatomy) {
 
 }  // namespace
 
-Revealing revealingOf(const PacketContext& context) {
-  if (context.secret == nullptr || !context.header.authenticator.has_value()) {
-    return {};
-  }
-  Revealing revealing{.secret = context.secret, .authenticator = context.request.bytes};
-  if (RadiusPktParserBase::isRequest(*context.header.code)) {
-    revealing.authenticator = Bytes(std::span<const U8>(*context.header.authenticator));
-  }
-  return revealing.authenticator.empty() ? Revealing() : revealing;
-}
-
 Inspection inspected(const InputPacket& packet, const PacketContext& context,
                      const Ptr<const RadiusDict>& dictionary, const Decoder& decoder) {
   Inspection inspection{.place = packet.place,
@@ -61,8 +40,7 @@ Inspection inspected(const InputPacket& packet, const PacketContext& context,
     return inspection;
   }
   const PacketReport& report = inspection.report.emplace(reportOf(decoder, packet, context));
-  inspection.anatomy =
-      anatomyOf(packet.bytes, dictionary, isForged(report) ? Revealing() : revealingOf(context));
+  inspection.anatomy = anatomyOf(packet.bytes, dictionary, revealingOf(report, context));
   addChecks(report, inspection.anatomy);
   return inspection;
 }

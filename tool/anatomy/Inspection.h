@@ -7,7 +7,6 @@
 
 #include "RadiusPacketParser/RadiusDictionaryParser.h"
 #include "tool/anatomy/Anatomy.h"
-#include "tool/anatomy/AttributeProbe.h"
 #include "tool/decoding/Decoder.h"
 #include "tool/decoding/Exchanges.h"
 #include "tool/decoding/PacketReport.h"
@@ -31,9 +30,6 @@ struct Inspection {
 Inspection inspected(const InputPacket& packet, const PacketContext& context,
                      const Verda::Ptr<const RadiusPacketParser::RadiusDict>& dictionary,
                      const Decoder& decoder);
-
-/// What reveals hidden values: nothing when that is not known.
-Revealing revealingOf(const PacketContext& context);
 
 /// What a packet contributes to the exit code; without a secret its structure decides.
 ExitCode exitCodeOf(const Inspection& inspection);

@@ -37,7 +37,8 @@ std::vector<std::string> wrapped(std::string_view text, std::size_t width) {
   std::vector<std::string> lines;
   while (!text.empty()) {
     const std::size_t length = nextLine(text, width);
-    lines.emplace_back(text.substr(0, length));
+    const bool endsWithBlank = length < text.size() && text[length - 1] == ' ';
+    lines.emplace_back(text.substr(0, length - (endsWithBlank ? 1 : 0)));
     text.remove_prefix(length);
   }
   return lines;

@@ -8,7 +8,7 @@
 namespace RadiusPacketTool {
 
 /// Text broken into lines of at most `width` characters, behind a blank where there is one in the
-/// second half of a line. No character of UTF-8 is torn apart.
+/// second half of a line, which is then dropped. No character of UTF-8 is torn apart.
 std::vector<std::string> wrapped(std::string_view text, std::size_t width);
 
 }  // namespace RadiusPacketTool

@@ -1,0 +1,84 @@
+#include <string_view>
+
+#include <fmt/format.h>
+
+#include "Verda/Escape.h"
+
+#include "tool/anatomy/Explanation.h"
+#include "tool/anatomy/HexDump.h"
+#include "tool/anatomy/WrappedText.h"
+
+namespace RadiusPacketTool {
+namespace {
+
+constexpr std::size_t lineWidth = 110;
+constexpr std::size_t labelWidth = 11;
+
+/// A labelled line, or several when the text is long. Control bytes are escaped.
+std::string labelled(std::string_view label, std::string_view text) {
+  std::string lines;
+  for (const std::string& line : wrapped(Verda::escaped(text), lineWidth - labelWidth)) {
+    lines += fmt::format("{:<{}}{}\n", label, labelWidth, line);
+    label = "";
+  }
+  return lines;
+}
+
+std::string offsetText(const Field& field) {
+  return fmt::format("offset {} (0x{:02x})", field.offset, field.offset);
+}
+
+std::string titleOf(const PacketReport& report) {
+  const std::string place = Verda::escaped(placeText(report.place));
+  if (isAccepted(report)) {
+    return fmt::format("{} is accepted\n", place);
+  }
+  return report.error.has_value()
+             ? fmt::format("{} is refused: {}\n", place, stringValue(*report.error).view())
+             : fmt::format("{} cannot be checked\n", place);
+}
+
+std::string culpritText(const Explanation& explanation) {
+  const Field& field = *explanation.culprit;
+  const std::string_view unit = field.length == 1 ? "byte" : "bytes";
+  return fmt::format("\n{}\n", hexDump(explanation.packet,
+                                       {.offset = field.offset, .length = field.length})) +
+         labelled("where",
+                  fmt::format("{}, {} {}: {}", offsetText(field), field.length, unit, field.path)) +
+         labelled("found", field.fault->found) + labelled("expected", field.fault->expected) +
+         labelled("section", field.fault->section);
+}
+
+}  // namespace
+
+std::string textOf(const Explanation& explanation) {
+  const PacketReport& report = explanation.report;
+  std::string text = titleOf(report);
+  if (isAccepted(report)) {
+    return text;
+  }
+  if (report.reason.has_value()) {
+    text += labelled("reason", *report.reason);
+  }
+  if (explanation.culprit.has_value()) {
+    text += culpritText(explanation);
+  }
+  if (report.pairedWith.has_value()) {
+    text += labelled("answers", placeText(*report.pairedWith));
+  }
+  if (explanation.findings.finding.has_value()) {
+    text += labelled("finding", *explanation.findings.finding);
+  }
+  std::string_view label = "ruled out";
+  for (const std::string& line : explanation.findings.ruledOut) {
+    text += labelled(label, line);
+    label = "";
+  }
+  for (const Field& field : explanation.others) {
+    text += labelled("also", fmt::format("{} at {}: {}", stringValue(field.fault->error).view(),
+                                         offsetText(field), field.path));
+  }
+  return text;
+}
+
+}  // namespace RadiusPacketTool
