@@ -31,7 +31,7 @@ ByteView authenticatorOf(ByteView packet);
 /// for a request, else the Request Authenticator, or nothing when that is not known.
 ByteView authenticatorCover(Verda::U8 code, ByteView requestAuthenticator);
 
-/// Likewise for the Message-Authenticator of a packet (RFC 3579 section 3.2, RFC 5176 section 2.3,
+/// Likewise for the Message-Authenticator of a packet (RFC 3579 section 3.2, RFC 5176 section 3.4,
 /// RFC 5997 section 3): its own authenticator where that is random.
 ByteView messageAuthenticatorCover(ByteView packet, ByteView requestAuthenticator);
 
