@@ -18,6 +18,7 @@
 #include "tool/commands/EditCommand.h"
 #include "tool/commands/ExplainCommand.h"
 #include "tool/commands/InspectCommand.h"
+#include "tool/commands/VerifyCommand.h"
 #include "tool/input/InputFile.h"
 #include "tool/process/StandardStreams.h"
 #include "tool/process/ToolError.h"
@@ -109,6 +110,7 @@ std::vector<std::unique_ptr<Command>> newCommands(CLI::App& program) {
   commands.push_back(std::make_unique<DecodeCommand>(program));
   commands.push_back(std::make_unique<InspectCommand>(program));
   commands.push_back(std::make_unique<ExplainCommand>(program));
+  commands.push_back(std::make_unique<VerifyCommand>(program));
   commands.push_back(std::make_unique<BuildCommand>(program));
   commands.push_back(std::make_unique<EditCommand>(program));
   CLI::App& dictionary = addCommandGroup(program, "dictionary", "Looks into dictionaries");
