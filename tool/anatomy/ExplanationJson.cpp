@@ -44,7 +44,7 @@ Json ruledOutJson(const std::vector<std::string>& lines) {
 
 std::string jsonOf(const Explanation& explanation) {
   const PacketReport& report = explanation.report;
-  Json packet = packetFrontJson("explanation", report.place, report.header);
+  Json packet = packetFrontJson("explanation", report.place, report.datagram, report.header);
   packet["pairedWith"] =
       report.pairedWith.has_value() ? placeJson(*report.pairedWith) : Json(nullptr);
   packet["error"] = nameJson(report.error);
