@@ -480,7 +480,7 @@ class Secret(unittest.TestCase):
         unexpected = "there is an option or argument that was not expected"
         value = "an option has a value that it does not take"
         excluded = "-s excludes --secret"
-        no_format = "-f: the formats are auto, hex, binary and capture"
+        no_format = "-f: the formats are auto, hex, dump, c, base64, binary and capture"
         empty = "no option but --secret takes an empty value behind ="
         for arguments, fault in (
             (["--secret", secret, "decode", "p"], unexpected),
@@ -1305,6 +1305,70 @@ class Dictionary(unittest.TestCase):
                       result.errors)
         self.assertTrue(result.errors.endswith(
             f"radius-packet: the dictionary {top} does not load\n"))
+
+
+class Pastes(unittest.TestCase):
+    """Packets as people paste them; the forms themselves are the unit tests'."""
+
+    FOLDER = DATA / "pastes"
+    FORMATS = {"xxd": "dump", "hexdump-C": "dump", "tshark-x": "dump", "tcpdump-text": "dump",
+               "tcpdump-x": "dump", "od": "dump", "xxd-i": "c", "python": "c", "base64": "base64",
+               "base64-url": "base64", "xxd-p": "hex"}
+
+    def bytes_of(self, *arguments, **options):
+        """The packets as `decode` saw them, whatever it thinks of them."""
+        result = decode(*arguments, "--json", *A_OPTION, **options)
+        self.assertIn(result.status, (0, 1, 2))
+        return [(report["code"], report["id"], report["length"], report["authenticator"],
+                 [attribute["hex"] for attribute in report["attributes"]])
+                for report in result.objects]
+
+    def test_are_the_packets_of_plain_hex(self):
+        for name in ("hexlike", "zeros"):
+            expected = self.bytes_of(self.FOLDER / f"{name}.hex.txt")
+            self.assertEqual(len(expected), 1)
+            for form, name_of_format in self.FORMATS.items():
+                path = self.FOLDER / f"{name}.{form}.txt"
+                with self.subTest(path):
+                    self.assertEqual(self.bytes_of(path), expected)
+                    self.assertEqual(self.bytes_of("-f", name_of_format, path), expected)
+                    self.assertEqual(self.bytes_of(stdin=path.read_bytes()), expected)
+
+    def test_may_be_several_in_a_text(self):
+        request = GOOD_REQUEST
+        text = "".join(f"{at:04x}   {request[at:at + 16].hex(' ')}\n" for at in range(0, len(request), 16))
+        self.assertEqual(decode(stdin=text).status, 0)
+        self.assertEqual(decode("-f", "dump", stdin=text + "\n" + text).text.count("ACCESS_REQUEST"), 2)
+
+    def test_that_contradict_themselves_name_the_line(self):
+        text = (self.FOLDER / "hexlike.xxd.txt").read_text()
+        for old, new, fault in (
+            ("00000020:", "00000030:", "line 3: the offset is 0030, but the bytes in front of it end at 0020"),
+            ("6465", "6466", "line 2: the text does not show the bytes in front of it"),
+            ("6465", "646x", 'line 2: "x" is no hex digit')):
+            for arguments in ((), ("-f", "dump")):
+                result = decode(*arguments, stdin=text.replace(old, new))
+                self.assertEqual((result.status, result.text), (66, ""))
+                self.assertEqual(result.errors, f"radius-packet: -: {fault}\n")
+
+    def test_without_packets_are_no_input(self):
+        for name_of_format in ("dump", "c", "base64"):
+            result = decode("-f", name_of_format, stdin="\n")
+            self.assertEqual((result.status, result.text), (66, ""))
+            self.assertEqual(result.errors, "radius-packet: no packets in the input\n")
+
+    def test_of_any_bytes_end_with_a_documented_status(self):
+        generator = random.Random(2867)
+        texts = [path.read_bytes() for path in sorted(self.FOLDER.glob("hexlike.*.txt"))]
+        for _ in range(150):
+            text = bytearray(generator.choice(texts))
+            for _ in range(generator.randrange(1, 8)):
+                at = generator.randrange(len(text))
+                text[at:at + generator.randrange(3)] = generator.randbytes(generator.randrange(3))
+                text += b"x"
+            result = decode("-f", generator.choice(["auto", "dump", "c", "base64"]), *A_OPTION,
+                            stdin=bytes(text))
+            self.assertIn(result.status, (0, 1, 2, 66))
 
 
 if __name__ == "__main__":

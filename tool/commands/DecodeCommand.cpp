@@ -19,9 +19,11 @@ namespace {
 
 constexpr const char* decodeFooter =
     "Hex text: any spacing, `:` and `0x` accepted, `#` begins a comment, a blank line separates\n"
-    "packets. Binary: one packet per FILE. With -f auto, a FILE of nothing but hex text is hex, "
-    "any\n"
-    "other is binary. Without FILE, and for the FILE `-`, standard input is read.\n"
+    "packets. Dump: hex dumps with offsets, as xxd, hexdump -C, tcpdump -x and Wireshark write "
+    "them.\n"
+    "C: arrays and \\x strings. Base64. Binary: one packet per FILE. With -f auto, a FILE is the "
+    "first\n"
+    "of these that fits. Without FILE, and for the FILE `-`, standard input is read.\n"
     "\n"
     "Requests (codes 1, 4, 12, 40, 43) are decoded without a Request Authenticator, even if one "
     "is\n"

@@ -10,6 +10,7 @@
 
 #include "tool/input/HexInput.h"
 #include "tool/input/InputFormat.h"
+#include "tool/input/TextInput.h"
 
 namespace RadiusPacketTool {
 
@@ -25,9 +26,10 @@ struct PacketSource {
 /// packet no more is kept than the greatest packet has: the rest is padding, whatever its header
 /// says.
 ///
-/// A source whose format is to be found out is hex when every character has its place in hex text
-/// and no comment holds a control byte: the first bytes of a binary packet may well be white space
-/// and `#`, but not those behind them.
+/// A source whose format is to be found out is binary when it is none of the texts that
+/// `TextReader` knows. In hex text every character has its place, and no comment holds a control
+/// byte: the first bytes of a binary packet may well be white space and `#`, but not those behind
+/// them.
 class SourceReader {
  public:
   explicit SourceReader(InputFormat format);
@@ -41,10 +43,8 @@ class SourceReader {
   PacketSource finish(const std::string& name);
 
  private:
-  bool mayBeHex() const;
-
   InputFormat format_;
-  HexReader hex_;
+  TextReader text_;
   std::vector<Verda::U8> start_;  ///< the source's first bytes, as many as a packet may have
 };
 

@@ -26,7 +26,9 @@ const InputFormat* formatFind(std::string_view name) {
 
 /// What is wrong with a format's name, without the name: it may be a secret that went astray.
 std::string formatFault(const std::string& name) {
-  return formatFind(name) != nullptr ? "" : "the formats are auto, hex, binary and capture";
+  return formatFind(name) != nullptr
+             ? ""
+             : "the formats are auto, hex, dump, c, base64, binary and capture";
 }
 
 std::optional<U16> portOf(const std::string& text) {
@@ -43,7 +45,7 @@ std::string portFault(const std::string& text) {
 PacketFilesOption::PacketFilesOption(CLI::App& command) {
   command.add_option("-f", format_, "Format of the input; auto by default")
       ->type_name("FORMAT")
-      ->check(formatFault, "{auto,hex,binary,capture}");
+      ->check(formatFault, "{auto,hex,dump,c,base64,binary,capture}");
   command
       .add_option("--port", portTexts_,
                   "UDP port of the packets in captures; may be given several times, and replaces "
