@@ -20,7 +20,7 @@ TEST(JsonOutput, WritesAGoodPacketOnOneLine) {
   EXPECT_EQ(
       jsonOf(report),
       R"({"schema":1,"kind":"packet","source":"file.hex","index":2,"code":2,"codeName":"ACCESS_ACCEPT","id":7,)"
-      R"("length":20,"authenticator":"000102030405060708090a0b0c0d0e0f","pairedWith":null,"error":"success",)"
+      R"("length":20,"authenticator":"000102030405060708090a0b0c0d0e0f","pairedWith":null,"retransmissionOf":null,"error":"success",)"
       R"("reason":null,"messageAuthenticator":true,"attributes":[]})"
       "\n");
 }
@@ -38,7 +38,7 @@ TEST(JsonOutput, WritesTheStatusServerVerdictWhereItIsAskedFor) {
   EXPECT_EQ(
       jsonOf(report, {.statusServer = true}),
       R"({"schema":1,"kind":"packet","source":"file.hex","index":2,"code":2,"codeName":"ACCESS_ACCEPT","id":7,)"
-      R"("length":20,"authenticator":"000102030405060708090a0b0c0d0e0f","pairedWith":null,"error":"success",)"
+      R"("length":20,"authenticator":"000102030405060708090a0b0c0d0e0f","pairedWith":null,"retransmissionOf":null,"error":"success",)"
       R"("reason":null,"messageAuthenticator":false,"statusServer":"msgAuthNotPresent",)"
       R"("attributes":[]})"
       "\n");
@@ -60,7 +60,7 @@ TEST(JsonOutput, WritesNullForWhatAShortPacketLacks) {
   EXPECT_EQ(
       jsonOf(report),
       R"({"schema":1,"kind":"packet","source":"-","index":1,"code":null,"codeName":null,"id":null,"length":null,)"
-      R"("authenticator":null,"pairedWith":null,"error":"invalidPktLength",)"
+      R"("authenticator":null,"pairedWith":null,"retransmissionOf":null,"error":"invalidPktLength",)"
       R"("reason":"Packet has invalid length: 0","messageAuthenticator":false,)"
       R"("attributes":[]})"
       "\n");

@@ -30,7 +30,8 @@ GOLDEN_COUNT = golden_count(DATA)
 CHECK_FAILED = ("invalidPktAuth", "invalidMsgAuth", "missingRequiredMsgAuth")
 PACKET_KEYS = [
     "schema", "kind", "source", "index", "time", "from", "to", "code", "codeName", "id", "length",
-    "authenticator", "pairedWith", "retransmissionOf", "error", "reason", "messageAuthenticator", "attributes",
+    "authenticator", "pairedWith", "retransmissionOf", "error", "reason", "messageAuthenticator",
+    "attributes",
 ]
 ATTRIBUTE_KEYS = [
     "offset", "length", "attrId", "vendorId", "vendorAttrId", "name", "type", "tag", "value",

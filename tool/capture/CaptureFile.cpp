@@ -39,11 +39,16 @@ bool beginsWith(std::span<const U8> bytes, const Magic& magic) {
   return bytes.size() >= magicLength && std::ranges::equal(bytes.first(magicLength), magic);
 }
 
+/// The seconds of a pcap file are 32 bits without a sign, which libpcap takes for one.
+std::int64_t secondsOf(const timeval& time) {
+  return time.tv_sec < 0 ? static_cast<U32>(time.tv_sec) : time.tv_sec;
+}
+
 /// A time that no clock shows, of which broken files are full, becomes the nearest that one does.
 nanoseconds timeOf(const timeval& time) {
   constexpr auto mostSeconds = std::chrono::duration_cast<seconds>(nanoseconds::max()).count() - 1;
   constexpr std::int64_t mostNanoseconds = std::nano::den - 1;
-  return seconds(std::clamp<std::int64_t>(time.tv_sec, 0, mostSeconds)) +
+  return seconds(std::clamp<std::int64_t>(secondsOf(time), 0, mostSeconds)) +
          nanoseconds(std::clamp<std::int64_t>(time.tv_usec, 0, mostNanoseconds));
 }
 

@@ -78,7 +78,7 @@ void PacketStream::endSource() {
   if (reader_.has_value()) {
     const CaptureCounts counts = reader_->counts();
     if (counts.cut > 0) {
-      complain(fmt::format("{}: warning: {} frames are cut short", sources_[source_].source.name,
+      complain(fmt::format("{}: warning: frames cut short: {}", sources_[source_].source.name,
                            counts.cut));
     }
     counts_ += counts;
