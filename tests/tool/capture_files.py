@@ -93,13 +93,13 @@ def loopback(packet, order="<", families=(2, 30)):
 
 def pcap(link_type, frames, *, order="<", nanoseconds=False, snap_length=SNAP_LENGTH):
     """A file of frames, each its time and its bytes; what is behind the snap length is cut off."""
-    content = struct.pack(order + "IHHiIII", 0xA1B23C4D if nanoseconds else 0xA1B2C3D4, 2, 4, 0, 0,
-                          snap_length, link_type)
+    pieces = [struct.pack(order + "IHHiIII", 0xA1B23C4D if nanoseconds else 0xA1B2C3D4, 2, 4, 0, 0,
+                          snap_length, link_type)]
     for time, frame in frames:
         second, fraction = divmod(time, 10**9)
-        content += struct.pack(order + "IIII", second, fraction // (1 if nanoseconds else 1000),
-                               min(len(frame), snap_length), len(frame)) + frame[:snap_length]
-    return content
+        pieces += [struct.pack(order + "IIII", second, fraction // (1 if nanoseconds else 1000),
+                               min(len(frame), snap_length), len(frame)), frame[:snap_length]]
+    return b"".join(pieces)
 
 
 def block(order, kind, content):
