@@ -17,7 +17,7 @@ namespace RadiusPacketTool {
 struct AttributePlace {
   std::size_t number = 0;  ///< from 1 in its packet
   std::size_t offset = 0;  ///< of its Type byte from the packet's first byte
-  bool continues = false;  ///< right behind another of its kind
+  bool continues = false;  ///< behind another of its kind, whose value goes on in it
 };
 
 /// A fault that lies in an attribute alone, and the field that has it.

@@ -11,19 +11,6 @@
 namespace RadiusPacketTool {
 namespace {
 
-constexpr std::size_t lineWidth = 110;
-constexpr std::size_t labelWidth = 11;
-
-/// A labelled line, or several when the text is long. Control bytes are escaped.
-std::string labelled(std::string_view label, std::string_view text) {
-  std::string lines;
-  for (const std::string& line : wrapped(Verda::escaped(text), lineWidth - labelWidth)) {
-    lines += fmt::format("{:<{}}{}\n", label, labelWidth, line);
-    label = "";
-  }
-  return lines;
-}
-
 std::string offsetText(const Field& field) {
   return fmt::format("offset {} (0x{:02x})", field.offset, field.offset);
 }

@@ -98,17 +98,17 @@ FieldFault valueLengthFault(const ProbedAttribute& probed, std::string_view fiel
 // ---- The rules on single attributes, told by what the parser says of them ----
 
 FieldFault vendorRoomFault(ErrorMsg error, std::size_t length) {
-  return fault(error, fmt::format("Length {}", length),
-               fmt::format("at least {}: Vendor-Id, Vendor-Type and Vendor-Length have their place",
-                           minVendorLength),
-               vendorSection);
+  return fault(
+      error, fmt::format("Length {}", length),
+      fmt::format("at least {}, for Vendor-Id, Vendor-Type and Vendor-Length", minVendorLength),
+      vendorSection);
 }
 
 FieldFault vendorLengthFault(ErrorMsg error, ByteView attribute) {
   const std::size_t room = attribute.size() - VsaConstants::vendorTypeOffset();
   return fault(
       error, fmt::format("Vendor-Length {}", attribute[VsaConstants::vendorAttrLengthOffset()]),
-      fmt::format("{}: one sub-attribute that fills the Vendor-Specific", room), vendorSection);
+      fmt::format("Vendor-Length {}: one sub-attribute fills the attribute", room), vendorSection);
 }
 
 FieldFault messageAuthenticatorLengthFault(ErrorMsg error, std::size_t length) {

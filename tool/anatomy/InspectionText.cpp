@@ -21,7 +21,6 @@ namespace {
 
 using ByteView = std::span<const U8>;
 
-constexpr std::size_t lineWidth = 110;
 constexpr std::size_t bytesInLine = 16;
 constexpr std::size_t bytesInGroup = 4;
 constexpr std::size_t mostHexLines = 16;
@@ -96,7 +95,7 @@ class Table {
     const std::string_view mark = field.fault.has_value() ? "!" : " ";
     const std::vector<std::string> hex =
         consistsOfFields(anatomy_, index) ? std::vector<std::string>() : hexLines(field.bytes);
-    const std::vector<std::string> meaning = wrapped(meaningOf(field), meaningWidth());
+    const std::vector<std::string> meaning = linesOf(meaningOf(field));
     const std::size_t lines = std::max({hex.size(), meaning.size(), std::size_t{1}});
     for (std::size_t line = 0; line < lines; ++line) {
       const std::string front = line == 0
@@ -119,6 +118,12 @@ class Table {
 
   std::string meaningOf(const Field& field) const {
     return options_.redact && field.isRevealed ? "(redacted)" : field.meaning;
+  }
+
+  /// Of a text in quotes nothing is dropped.
+  std::vector<std::string> linesOf(const std::string& meaning) const {
+    return meaning.starts_with('"') ? cut(meaning, meaningWidth())
+                                    : wrapped(meaning, meaningWidth());
   }
 
   std::size_t meaningWidth() const {
@@ -152,39 +157,40 @@ std::string titleOf(const Inspection& inspection) {
   return Verda::escaped(title) + '\n';
 }
 
-std::string structureLine(const Anatomy& anatomy) {
+std::string structureText(const Anatomy& anatomy) {
   const Field* first = anatomy.firstFaulty();
   if (first == nullptr) {
-    return "structure: good\n";
+    return "good";
   }
   const std::size_t others = anatomy.faulty.size() - 1;
-  return fmt::format("structure: {} at offset {}, {}{}\n", stringValue(first->fault->error).view(),
-                     first->offset, Verda::escaped(first->path),
+  return fmt::format("{} at offset {}, {}{}", stringValue(first->fault->error).view(),
+                     first->offset, first->path,
                      others == 0 ? "" : fmt::format(", and {} more", others));
 }
 
-std::string checksLine(const Inspection& inspection) {
+std::string checksText(const Inspection& inspection) {
   const PacketReport& report = *inspection.report;
-  std::string text = fmt::format("checks: authenticator {}, Message-Authenticator {}",
-                                 checkText(report.authenticatorCheck),
-                                 checkText(inspection.anatomy.messageAuthenticator.has_value() &&
-                                                   report.messageAuthenticatorCheck == Check::absent
-                                               ? Check::unchecked
-                                               : report.messageAuthenticatorCheck));
+  const bool isThere = inspection.anatomy.messageAuthenticator.has_value();
+  const Check messageAuthenticator = isThere && report.messageAuthenticatorCheck == Check::absent
+                                         ? Check::unchecked
+                                         : report.messageAuthenticatorCheck;
+  std::string text =
+      fmt::format("authenticator {}, Message-Authenticator {}",
+                  checkText(report.authenticatorCheck), checkText(messageAuthenticator));
   if (report.pairedWith.has_value()) {
     text += fmt::format(", paired with {}", placeText(*report.pairedWith));
   }
-  return Verda::escaped(text) + '\n';
+  return text;
 }
 
 }  // namespace
 
 std::string textOf(const Inspection& inspection, const OutputOptions& options) {
   std::string text = titleOf(inspection) + Table(inspection.anatomy, options).text() +
-                     structureLine(inspection.anatomy);
+                     labelled("structure", structureText(inspection.anatomy));
   if (inspection.report.has_value()) {
-    text += checksLine(inspection) +
-            fmt::format("decode: {}\n", Verda::escaped(faultText(*inspection.report)));
+    text += labelled("checks", checksText(inspection)) +
+            labelled("decode", faultText(*inspection.report));
   }
   return text;
 }

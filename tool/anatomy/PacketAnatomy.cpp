@@ -210,8 +210,7 @@ class PacketDissection {
 
   void takeAttribute(AttributePlace& place, ByteView attribute) {
     const U8 type = attribute[AttributeConstants::typeOffset()];
-    place.continues = type == RadiusAttributeId::EAP_MESSAGE && previousType_ == type;
-    previousType_ = type;
+    place.continues = type == RadiusAttributeId::EAP_MESSAGE && firstEapMessage_.has_value();
     const AttributeFields added = addAttributeFields(fields_, probe_, place, attribute);
     const bool isSecond = type == RadiusAttributeId::MESSAGE_AUTHENTICATOR &&
                           fields_.anatomy().messageAuthenticator.has_value();
@@ -264,7 +263,6 @@ class PacketDissection {
       fields_.add(whole, place.offset + AttributeConstants::valueOffset(),
                   length - AttributeConstants::valueOffset(), undissected);
     }
-    previousType_.reset();
     lacksBytes_ = true;
     return length;
   }
@@ -284,7 +282,6 @@ class PacketDissection {
   PacketHeader header_;
   FragmentOrder order_;
   std::size_t count_ = 0;
-  std::optional<U8> previousType_;
   std::optional<std::size_t> firstEapMessage_;
   bool lacksBytes_ = false;  ///< there are, or were, bytes that may be attributes
 };

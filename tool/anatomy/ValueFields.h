@@ -15,7 +15,7 @@ namespace RadiusPacketTool {
 struct ValuePlace {
   std::size_t parent = 0;  ///< the field that it is a part of
   std::size_t offset = 0;  ///< of its first byte from the packet's
-  bool continues = false;  ///< the attribute stands right behind another of its kind
+  bool continues = false;  ///< the value goes on from an attribute in front
 };
 
 /// Adds the fields of a value: tag, salt, what a few attributes have in theirs, and the rest with
