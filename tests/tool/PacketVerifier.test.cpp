@@ -241,41 +241,42 @@ TEST(PacketVerifier, Authenticator) {
 
 TEST(PacketVerifier, MessageAuthenticatorPresent) {
   const std::string forgery =
-      "fail: without one, who is on the way can forge this answer (CVE-2024-3596), unless TLS or "
-      "IPsec protect it";
+      "fail: without one, anybody on the path can forge this answer (CVE-2024-3596) unless TLS or "
+      "IPsec protects it";
   const std::string none = "pass: there is none, and this code does not need one";
   const ByteVector broken = joined({userName, ByteVector{1}});
-  expectLines("Message-Authenticator present",
-              {{"Access-Request", withMessageAuthenticator(1), "pass (RFC 3579 section 3.2)"},
-               {"Access-Accept", endingWithMessageAuthenticator(2, userName),
-                "pass (RFC 3579 section 3.2)"},
-               {"Accounting-Request", withMessageAuthenticator(4), "pass (RFC 2869 section 5.14)"},
-               {"Status-Server", withMessageAuthenticator(12), "pass (RFC 5997 section 3)"},
-               {"CoA-Request", withMessageAuthenticator(43), "pass (RFC 5176 section 3.4)"},
-               {"another code", withMessageAuthenticator(99), "pass"},
-               {"none in an Access-Accept", plain(2), forgery},
-               {"none in an Access-Reject", plain(3), forgery},
-               {"none in an Access-Challenge", plain(11), forgery},
-               {"none in an Access-Request", plain(1),
-                "fail: without one, who is on the way can change the request to forge its answer "
-                "(CVE-2024-3596), unless TLS or IPsec protect it"},
-               {"none in a Status-Server", plain(12),
-                "fail: a Status-Server packet must have one (RFC 5997 section 3)"},
-               {"none beside an EAP-Message", plain(1, joined({userName, eapMessage})),
-                "fail: there is none beside the EAP-Message (offset 27, RFC 3579 section 3.1)"},
-               {"none in an Accounting-Request", plain(4), none},
-               {"none in an Accounting-Response", plain(5), none},
-               {"none in a CoA-Request", plain(43), none},
-               {"none in another code", plain(99), none},
-               {"none in front of a fault", plain(2, broken),
-                "cannot tell: there is none in front of the fault: what stands at offset 27 is no "
-                "attribute"}});
+  expectLines(
+      "Message-Authenticator present",
+      {{"Access-Request", withMessageAuthenticator(1), "pass (RFC 3579 section 3.2)"},
+       {"Access-Accept", endingWithMessageAuthenticator(2, userName),
+        "pass (RFC 3579 section 3.2)"},
+       {"Accounting-Request", withMessageAuthenticator(4), "pass (RFC 2869 section 5.14)"},
+       {"Status-Server", withMessageAuthenticator(12), "pass (RFC 5997 section 3)"},
+       {"CoA-Request", withMessageAuthenticator(43), "pass (RFC 5176 section 3.4)"},
+       {"another code", withMessageAuthenticator(99), "pass"},
+       {"none in an Access-Accept", plain(2), forgery},
+       {"none in an Access-Reject", plain(3), forgery},
+       {"none in an Access-Challenge", plain(11), forgery},
+       {"none in an Access-Request", plain(1),
+        "fail: without one, anybody on the path can change this request to forge its answer "
+        "(CVE-2024-3596) unless TLS or IPsec protects it"},
+       {"none in a Status-Server", plain(12),
+        "fail: a Status-Server packet must have one (RFC 5997 section 3)"},
+       {"none beside an EAP-Message", plain(1, joined({userName, eapMessage})),
+        "fail: there is none beside the EAP-Message (offset 27, RFC 3579 section 3.1)"},
+       {"none in an Accounting-Request", plain(4), none},
+       {"none in an Accounting-Response", plain(5), none},
+       {"none in a CoA-Request", plain(43), none},
+       {"none in another code", plain(99), none},
+       {"none in front of a fault", plain(2, broken),
+        "cannot tell: there is none in front of the fault: what stands at offset 27 is no "
+        "attribute"}});
 }
 
 TEST(PacketVerifier, MessageAuthenticatorFirst) {
   const std::string forgery =
-      "fail: a client that does not insist on one can be given a forgery of this answer "
-      "(CVE-2024-3596), unless TLS or IPsec protect it (offset 27)";
+      "fail: a client that does not insist on one can be given a forged answer (CVE-2024-3596) "
+      "unless TLS or IPsec protects it (offset 27)";
   const std::string anywhere = "pass: its place does not matter in this code";
   expectLines(
       "Message-Authenticator first",

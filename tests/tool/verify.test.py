@@ -109,8 +109,8 @@ class Text(unittest.TestCase):
                               "Authenticator (offset 4, RFC 2865 section 3)"),
             ("Message-Authenticator present", "pass (RFC 3579 section 3.2)"),
             ("Message-Authenticator first",
-             "fail: a client that does not insist on one can be given a forgery of this answer "
-             "(CVE-2024-3596), unless TLS or IPsec protect it (offset 62)"),
+             "fail: a client that does not insist on one can be given a forged answer "
+             "(CVE-2024-3596) unless TLS or IPsec protects it (offset 62)"),
             ("Message-Authenticator unique", "fail: there are 2 (offset 80, RFC 2869 section 5.19)"),
             ("Message-Authenticator valid", "cannot tell: there are 2 (RFC 3579 section 3.2)"),
             ("salts unique", "fail: Tunnel-Password has the salt 0001, as has Tunnel-Password at "
@@ -131,9 +131,9 @@ class Text(unittest.TestCase):
     def test_can_be_searched(self):
         text = verify(*A_OPTION, stdin=UNPROTECTED_ANSWER.hex()).text
         self.assertEqual([line for line in text.splitlines() if ": fail" in line],
-                         ["packet 1 of -: Message-Authenticator present: fail: without one, who is "
-                          "on the way can forge this answer (CVE-2024-3596), unless TLS or IPsec "
-                          "protect it"])
+                         ["packet 1 of -: Message-Authenticator present: fail: without one, anybody "
+                          "on the path can forge this answer (CVE-2024-3596) unless TLS or IPsec "
+                          "protects it"])
         self.assertIn(" authenticator: pass", text)
 
 
@@ -148,8 +148,8 @@ class Json(unittest.TestCase):
         common = {"schema": 1, "kind": "check", "source": str(path), "index": 1}
         self.assertEqual(result.objects[2], {
             **common, "check": "Message-Authenticator present", "verdict": "fail",
-            "reason": "without one, who is on the way can forge this answer (CVE-2024-3596), unless "
-                      "TLS or IPsec protect it",
+            "reason": "without one, anybody on the path can forge this answer (CVE-2024-3596) "
+                      "unless TLS or IPsec protects it",
             "offset": None, "length": None, "rfc": None})
         self.assertEqual(result.objects[0], {
             **common, "check": "structure", "verdict": "pass", "reason": "1 attribute",

@@ -137,12 +137,13 @@ CheckResult notPresent(const CheckedPacket& packet) {
     result.rfc = "RFC 3579 section 3.1";
   } else if (isAccessAnswer(packet.code())) {
     result.reason =
-        "without one, who is on the way can forge this answer (CVE-2024-3596), unless TLS or IPsec "
-        "protect it";
+        "without one, anybody on the path can forge this answer (CVE-2024-3596) unless TLS or "
+        "IPsec "
+        "protects it";
   } else if (packet.code() == RadiusCode::ACCESS_REQUEST) {
     result.reason =
-        "without one, who is on the way can change the request to forge its answer "
-        "(CVE-2024-3596), unless TLS or IPsec protect it";
+        "without one, anybody on the path can change this request to forge its answer "
+        "(CVE-2024-3596) unless TLS or IPsec protects it";
   } else if (packet.code() == RadiusCode::STATUS_SERVER) {
     result.reason = "a Status-Server packet must have one";
     result.rfc = "RFC 5997 section 3";
@@ -238,8 +239,9 @@ CheckResult firstResult(const CheckedPacket& packet) {
   }
   result.verdict = Verdict::fail;
   result.reason =
-      "a client that does not insist on one can be given a forgery of this answer (CVE-2024-3596), "
-      "unless TLS or IPsec protect it";
+      "a client that does not insist on one can be given a forged answer (CVE-2024-3596) unless "
+      "TLS "
+      "or IPsec protects it";
   result.place = placeOf(found.front());
   return result;
 }

@@ -118,7 +118,10 @@ bool isSignedWithBytesOf(const FailingPacket& packet, std::string_view hex) {
   if (hex.starts_with(hexPrefix)) {
     hex.remove_prefix(hexPrefix.size());
   }
-  std::optional<std::vector<U8>> bytes = bytesOfHex(hex);
+  // Reading what is no hex would leave the bytes behind that it begins with.
+  const bool isHex =
+      std::ranges::all_of(hex, [](char digit) { return hexDigitValue(digit).has_value(); });
+  std::optional<std::vector<U8>> bytes = isHex ? bytesOfHex(hex) : std::nullopt;
   if (!bytes.has_value()) {
     return false;
   }
