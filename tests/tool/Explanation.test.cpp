@@ -35,7 +35,7 @@ Explanation sampleExplanation() {
 TEST(Explanation, SaysWhatWasFoundOutOfACheck) {
   Explanation explanation = sampleExplanation();
   explanation.report.pairedWith = PacketPlace{.source = "request.bin", .index = 1};
-  explanation.findings = {.finding = "the secret ends with a newline",
+  explanation.diagnosis = {.finding = "the secret ends with a newline",
                           .ruledOut = {"a secret in hex", "a \x1b[2J"}};
   EXPECT_EQ(textOf(explanation),
             "packet 2 of file.hex is refused: invalidPktAuth\n"

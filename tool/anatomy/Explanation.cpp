@@ -59,6 +59,11 @@ std::optional<Field> culpritOf(const PacketReport& report, const Anatomy& anatom
 
 }  // namespace
 
+bool hasWrongDigest(const PacketReport& report) {
+  return report.error == ErrorMsg::invalidPktAuth ||
+         (report.error == ErrorMsg::invalidMsgAuth && !isForSecondMessageAuthenticator(report));
+}
+
 Explanation explained(const InputPacket& packet, const PacketContext& context,
                       const Ptr<const RadiusDict>& dictionary, const Decoder& decoder) {
   Explanation explanation;

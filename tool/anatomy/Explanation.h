@@ -9,18 +9,13 @@
 
 #include "RadiusPacketParser/RadiusDictionaryParser.h"
 #include "tool/anatomy/Anatomy.h"
+#include "tool/checks/Diagnosis.h"
 #include "tool/decoding/Decoder.h"
 #include "tool/decoding/Exchanges.h"
 #include "tool/decoding/PacketReport.h"
 #include "tool/input/InputPacket.h"
 
 namespace RadiusPacketTool {
-
-/// What was found out of a check that failed, a line each.
-struct CheckFindings {
-  std::optional<std::string> finding;  ///< what makes the check succeed
-  std::vector<std::string> ruledOut;   ///< what does not
-};
 
 /// Why a packet is refused, if it is.
 struct Explanation {
@@ -31,14 +26,17 @@ struct Explanation {
   std::optional<Field> culprit;
   /// The fields with further faults of the structure, in the order of the parser.
   std::vector<Field> others;
-  CheckFindings findings;
+  Diagnosis diagnosis;  ///< of a digest that is wrong
 };
 
-/// Explains the verdict on a packet. No hidden value is revealed in it.
+/// Explains the verdict on a packet, but for the diagnosis. No hidden value is revealed in it.
 /// @param decoder  gives the verdict; of the same dictionary
 Explanation explained(const InputPacket& packet, const PacketContext& context,
                       const Verda::Ptr<const RadiusPacketParser::RadiusDict>& dictionary,
                       const Decoder& decoder);
+
+/// Whether a packet is refused for a digest that a diagnosis may explain.
+bool hasWrongDigest(const PacketReport& report);
 
 /// An explanation for people: what is wrong, the bytes with marks under those to blame, what was
 /// found and expected; one line for a packet that is accepted. Nothing in it can drive a terminal.

@@ -50,8 +50,8 @@ std::string jsonOf(const Explanation& explanation) {
   packet["error"] = nameJson(report.error);
   packet["reason"] = textJson(report.reason);
   packet["fault"] = culpritJson(explanation.culprit);
-  packet["finding"] = textJson(explanation.findings.finding);
-  packet["ruledOut"] = ruledOutJson(explanation.findings.ruledOut);
+  packet["finding"] = textJson(explanation.diagnosis.finding);
+  packet["ruledOut"] = ruledOutJson(explanation.diagnosis.ruledOut);
   Json& others = packet["others"] = Json::array();
   for (const Field& field : explanation.others) {
     others.push_back(faultyFieldJson(field));

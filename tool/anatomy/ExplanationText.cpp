@@ -7,6 +7,7 @@
 #include "tool/anatomy/Explanation.h"
 #include "tool/anatomy/HexDump.h"
 #include "tool/anatomy/WrappedText.h"
+#include "tool/capture/DatagramText.h"
 
 namespace RadiusPacketTool {
 namespace {
@@ -53,11 +54,17 @@ std::string textOf(const Explanation& explanation) {
   if (report.pairedWith.has_value()) {
     text += labelled("answers", placeText(*report.pairedWith));
   }
-  if (explanation.findings.finding.has_value()) {
-    text += labelled("finding", *explanation.findings.finding);
+  if (report.datagram.has_value()) {
+    text += labelled("went", datagramText(*report.datagram));
+  }
+  const Diagnosis& diagnosis = explanation.diagnosis;
+  if (diagnosis.finding.has_value()) {
+    text += labelled("finding", *diagnosis.finding);
+  } else if (!diagnosis.ruledOut.empty()) {
+    text += labelled("finding", "nothing that was tried fits: most likely the secret is another");
   }
   std::string_view label = "ruled out";
-  for (const std::string& line : explanation.findings.ruledOut) {
+  for (const std::string& line : diagnosis.ruledOut) {
     text += labelled(label, line);
     label = "";
   }

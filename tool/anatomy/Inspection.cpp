@@ -45,12 +45,19 @@ Inspection inspected(const InputPacket& packet, const PacketContext& context,
   return inspection;
 }
 
-ExitCode exitCodeOf(const Inspection& inspection) {
+PacketReport verdictOf(const Inspection& inspection) {
   if (inspection.report.has_value()) {
-    return exitCodeOf(*inspection.report);
+    return *inspection.report;
   }
   const Field* faulty = inspection.anatomy.firstFaulty();
-  return faulty == nullptr ? ExitCode::success : exitCodeOf(faulty->fault->error);
+  PacketReport report;
+  report.header = inspection.header;
+  report.error = faulty == nullptr ? RadiusPktParserBase::ErrorMsg::success : faulty->fault->error;
+  return report;
+}
+
+ExitCode exitCodeOf(const Inspection& inspection) {
+  return exitCodeOf(verdictOf(inspection));
 }
 
 }  // namespace RadiusPacketTool

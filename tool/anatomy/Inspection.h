@@ -31,6 +31,9 @@ Inspection inspected(const InputPacket& packet, const PacketContext& context,
                      const Verda::Ptr<const RadiusPacketParser::RadiusDict>& dictionary,
                      const Decoder& decoder);
 
+/// The verdict on the packet; without a secret, on its structure.
+PacketReport verdictOf(const Inspection& inspection);
+
 /// What a packet contributes to the exit code; without a secret its structure decides.
 ExitCode exitCodeOf(const Inspection& inspection);
 

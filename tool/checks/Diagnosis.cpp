@@ -5,6 +5,17 @@
 
 namespace RadiusPacketTool {
 
+std::vector<NamedSecret> namedSecrets(const Secrets& secrets) {
+  std::vector<NamedSecret> named;
+  for (const KnownSecret& known : secrets.all()) {
+    if (known.clients.has_value()) {
+      named.push_back(
+          {.client = std::string(known.clients->text().view()), .secret = known.secret});
+    }
+  }
+  return named;
+}
+
 Diagnosis diagnose(const InputPacket& packet, const PacketContext& context,
                    std::span<const NamedSecret> secrets, const EarlierRequests& requests) {
   Diagnosis diagnosis;

@@ -9,6 +9,7 @@
 #include "tool/decoding/Exchanges.h"
 #include "tool/input/InputPacket.h"
 #include "tool/input/Secret.h"
+#include "tool/input/Secrets.h"
 
 namespace RadiusPacketTool {
 
@@ -17,6 +18,9 @@ struct NamedSecret {
   std::string client;  ///< the address or prefix that it is for
   const Secret* secret = nullptr;
 };
+
+/// The secrets of a run that are for clients of their own.
+std::vector<NamedSecret> namedSecrets(const Secrets& secrets);
 
 /// Why an authenticator or a Message-Authenticator fails.
 struct Diagnosis {

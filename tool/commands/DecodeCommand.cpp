@@ -4,15 +4,14 @@
 #include <memory>
 #include <optional>
 
+#include "tool/commands/PacketRun.h"
 #include "tool/decoding/Exchanges.h"
 #include "tool/decoding/LegacyDecoder.h"
 #include "tool/decoding/PacketDecoder.h"
 #include "tool/output/JsonOutput.h"
 #include "tool/output/Refusal.h"
-#include "tool/output/RunSummary.h"
 #include "tool/output/TextOutput.h"
 #include "tool/process/StandardStreams.h"
-#include "tool/process/ToolError.h"
 
 namespace RadiusPacketTool {
 namespace {
@@ -65,17 +64,6 @@ class ReportPrinter {
     exitCode_ = std::max(exitCode_, exitCodeOf(report));
   }
 
-  /// Prints the summary of a run behind the reports.
-  void print(const RunSummary& summary, const ExchangeCounts& exchanges,
-             const CaptureCounts& frames) const {
-    if (json_) {
-      writeOutput(summary.json(exchanges, frames));
-    } else {
-      writeOutput(isFirst_ ? "" : "\n");
-      writeOutput(summary.text(exchanges, frames));
-    }
-  }
-
   ExitCode exitCode() const { return exitCode_; }
 
  private:
@@ -111,27 +99,14 @@ ExitCode DecodeCommand::run() {
   outputOptions_.redact = redact_.redacts();
   OpenedInput input(packets_);
   const std::unique_ptr<Decoder> decoder = newDecoder(legacy_, input.dictionary());
-  Exchanges exchanges(input.secrets(), input.givenAuthenticator());
   ReportPrinter printer(json_, outputOptions_);
-  RunSummary summary;
-  const auto printSummary = [&] {
-    if (const std::optional<CaptureCounts> frames = input.packets().captureCounts()) {
-      printer.print(summary, exchanges.counts(), *frames);
-    }
-  };
-  try {
-    while (const std::optional<InputPacket> packet = input.packets().next()) {
-      const PacketReport report = reportOf(*decoder, *packet, exchanges.next(*packet));
-      summary.take(report);
-      printer.print(report);
-      complainIfRefused(*packet, report);
-      complainOfWarnings(report);
-    }
-  } catch (const ToolError&) {
-    printSummary();
-    throw;
-  }
-  printSummary();
+  visitPackets(input, json_, [&](const InputPacket& packet, const PacketContext& context, auto&) {
+    PacketReport report = reportOf(*decoder, packet, context);
+    printer.print(report);
+    complainIfRefused(packet, report);
+    complainOfWarnings(report);
+    return report;
+  });
   return printer.exitCode();
 }
 

@@ -4,6 +4,8 @@
 #include <optional>
 
 #include "tool/anatomy/Explanation.h"
+#include "tool/checks/Diagnosis.h"
+#include "tool/commands/PacketRun.h"
 #include "tool/decoding/Exchanges.h"
 #include "tool/decoding/PacketDecoder.h"
 #include "tool/output/Refusal.h"
@@ -69,16 +71,21 @@ ExplainCommand::ExplainCommand(CLI::App& program)
 ExitCode ExplainCommand::run() {
   OpenedInput input(packets_);
   const PacketDecoder decoder(input.dictionary());
-  Exchanges exchanges(input.secrets(), input.givenAuthenticator());
   ExplanationPrinter printer(json_);
   ExitCode exitCode = ExitCode::success;
-  while (const std::optional<InputPacket> packet = input.packets().next()) {
-    const Explanation explanation =
-        explained(*packet, exchanges.next(*packet), input.dictionary(), decoder);
+  const auto explain = [&](const InputPacket& packet, const PacketContext& context,
+                           const Exchanges& exchanges) {
+    Explanation explanation = explained(packet, context, input.dictionary(), decoder);
+    if (hasWrongDigest(explanation.report)) {
+      explanation.diagnosis =
+          diagnose(packet, context, namedSecrets(input.secrets()), exchanges.requests());
+    }
     printer.print(explanation);
-    complainIfTakenAsBinary(*packet, explanation.report.error);
+    complainIfTakenAsBinary(packet, explanation.report.error);
     exitCode = std::max(exitCode, exitCodeOf(explanation.report));
-  }
+    return explanation.report;
+  };
+  visitPackets(input, json_, explain);
   return exitCode;
 }
 

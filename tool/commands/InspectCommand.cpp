@@ -2,8 +2,10 @@
 
 #include <algorithm>
 #include <optional>
+#include <utility>
 
 #include "tool/anatomy/Inspection.h"
+#include "tool/commands/PacketRun.h"
 #include "tool/decoding/Exchanges.h"
 #include "tool/decoding/PacketDecoder.h"
 #include "tool/output/OutputOptions.h"
@@ -50,23 +52,22 @@ ExitCode InspectCommand::run() {
   const OutputOptions options{.redact = redact_.redacts()};
   OpenedInput input(packets_);
   const PacketDecoder decoder(input.dictionary());
-  Exchanges exchanges(input.secrets(), input.givenAuthenticator());
   ExitCode exitCode = ExitCode::success;
   bool isFirst = true;
-  while (const std::optional<InputPacket> packet = input.packets().next()) {
-    const Inspection inspection =
-        inspected(*packet, exchanges.next(*packet), input.dictionary(), decoder);
+  const auto inspect = [&](const InputPacket& packet, const PacketContext& context, auto&) {
+    const Inspection inspection = inspected(packet, context, input.dictionary(), decoder);
     if (json_) {
       writeOutput(jsonOf(inspection, options));
     } else {
-      writeOutput((isFirst ? "" : "\n") + textOf(inspection, options));
+      writeOutput((std::exchange(isFirst, false) ? "" : "\n") + textOf(inspection, options));
     }
     const Field* faulty = inspection.anatomy.firstFaulty();
-    complainIfTakenAsBinary(*packet,
+    complainIfTakenAsBinary(packet,
                             faulty == nullptr ? std::nullopt : std::optional(faulty->fault->error));
     exitCode = std::max(exitCode, exitCodeOf(inspection));
-    isFirst = false;
-  }
+    return verdictOf(inspection);
+  };
+  visitPackets(input, json_, inspect);
   return exitCode;
 }
 

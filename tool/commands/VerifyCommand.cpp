@@ -2,9 +2,11 @@
 
 #include <algorithm>
 #include <optional>
+#include <utility>
 #include <vector>
 
 #include "tool/checks/PacketVerifier.h"
+#include "tool/commands/PacketRun.h"
 #include "tool/decoding/Exchanges.h"
 #include "tool/decoding/PacketDecoder.h"
 #include "tool/output/CheckOutput.h"
@@ -56,22 +58,21 @@ ExitCode VerifyCommand::run() {
   OpenedInput input(packets_);
   const PacketDecoder decoder(input.dictionary());
   const PacketVerifier verifier(input.dictionary());
-  Exchanges exchanges(input.secrets(), input.givenAuthenticator());
   ExitCode exitCode = ExitCode::success;
   bool isFirst = true;
-  while (const std::optional<InputPacket> packet = input.packets().next()) {
-    const PacketContext context = exchanges.next(*packet);
-    const PacketReport report = reportOf(decoder, *packet, context);
-    const std::vector<CheckResult> results = verifier.verify(*packet, context);
-    if (!json_ && !isFirst) {
+  const auto verify = [&](const InputPacket& packet, const PacketContext& context, auto&) {
+    PacketReport report = reportOf(decoder, packet, context);
+    const std::vector<CheckResult> results = verifier.verify(packet, context);
+    if (!json_ && !std::exchange(isFirst, false)) {
       writeOutput("\n");
     }
-    isFirst = false;
-    writeOutput(json_ ? jsonOf(packet->place, results) : textOf(packet->place, results));
-    complainIfRefused(*packet, report);
+    writeOutput(json_ ? jsonOf(packet.place, results) : textOf(packet.place, results));
+    complainIfRefused(packet, report);
     exitCode = std::max({exitCode, exitCodeOf(report),
                          hasFailed(results) ? ExitCode::checkFailed : ExitCode::success});
-  }
+    return report;
+  };
+  visitPackets(input, json_, verify);
   return exitCode;
 }
 

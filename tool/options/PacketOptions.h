@@ -45,6 +45,7 @@ class OpenedInput {
   /// The Request Authenticator that is given for all responses, or empty.
   const Verda::Bytes& givenAuthenticator() const { return given_; }
   PacketStream& packets() { return packets_; }
+  const PacketStream& packets() const { return packets_; }
 
  private:
   Verda::Bytes given_;

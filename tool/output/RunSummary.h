@@ -17,6 +17,9 @@ class RunSummary {
   /// Counts a packet.
   void take(const PacketReport& report);
 
+  /// How many were counted.
+  std::size_t packets() const { return packets_; }
+
   /// The summary for people: lines that begin with `#`, which are comments to who reads packets
   /// back from the text.
   std::string text(const ExchangeCounts& exchanges, const CaptureCounts& frames) const;
