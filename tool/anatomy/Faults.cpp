@@ -36,12 +36,12 @@ constexpr std::string_view prefixSection = "RFC 8044 section 3.10";
 
 constexpr std::size_t minVendorLength = VsaConstants::vendorAttrValueOffset();
 
-FieldFault fault(ErrorMsg error, const std::string& found, const std::string& expected,
-                 std::string_view section) {
+FieldFault makeFault(ErrorMsg error, const std::string& found, const std::string& expected,
+                     std::string_view section) {
   return {.error = error, .found = found, .expected = expected, .section = std::string(section)};
 }
 
-std::string count(std::size_t number, std::string_view thing) {
+std::string counted(std::size_t number, std::string_view thing) {
   return fmt::format("{} {}{}", number, thing, number == 1 ? "" : "s");
 }
 
@@ -74,7 +74,7 @@ constexpr auto typeRules = std::to_array<TypeRule>({
 
 std::string lengthFound(std::string_view field, std::size_t valueLength) {
   return fmt::format("{} {}: {}", field, valueLength + AttributeConstants::valueOffset(),
-                     valueLength == 0 ? "no value" : count(valueLength, "value byte"));
+                     valueLength == 0 ? "no value" : counted(valueLength, "value byte"));
 }
 
 FieldFault valueLengthFault(const ProbedAttribute& probed, std::string_view field,
@@ -83,22 +83,23 @@ FieldFault valueLengthFault(const ProbedAttribute& probed, std::string_view fiel
   const std::string found = lengthFound(field, valueLength);
   const std::string type(stringValue(probed.info.attributeType).view());
   if (rule == typeRules.end()) {
-    return fault(probed.error, found, fmt::format("another length for {}", type), attributeSection);
+    return makeFault(probed.error, found, fmt::format("another length for {}", type),
+                     attributeSection);
   }
   constexpr std::size_t front = AttributeConstants::valueOffset();
   const std::string expected =
       rule->least == rule->most
           ? fmt::format("{} {}: {} has {}", field, rule->least + front, type,
-                        count(rule->least, "value byte"))
+                        counted(rule->least, "value byte"))
           : fmt::format("{} {} to {}: {} has {} to {} value bytes", field, rule->least + front,
                         rule->most + front, type, rule->least, rule->most);
-  return fault(probed.error, found, expected, rule->section);
+  return makeFault(probed.error, found, expected, rule->section);
 }
 
 // ---- The rules on single attributes, told by what the parser says of them ----
 
 FieldFault vendorRoomFault(ErrorMsg error, std::size_t length) {
-  return fault(
+  return makeFault(
       error, fmt::format("Length {}", length),
       fmt::format("at least {}, for Vendor-Id, Vendor-Type and Vendor-Length", minVendorLength),
       vendorSection);
@@ -106,22 +107,22 @@ FieldFault vendorRoomFault(ErrorMsg error, std::size_t length) {
 
 FieldFault vendorLengthFault(ErrorMsg error, ByteView attribute) {
   const std::size_t room = attribute.size() - VsaConstants::vendorTypeOffset();
-  return fault(
+  return makeFault(
       error, fmt::format("Vendor-Length {}", attribute[VsaConstants::vendorAttrLengthOffset()]),
       fmt::format("Vendor-Length {}: one sub-attribute fills the attribute", room), vendorSection);
 }
 
 FieldFault messageAuthenticatorLengthFault(ErrorMsg error, std::size_t length) {
   constexpr std::size_t valueLength = AttributeConstants::msgAuthLength();
-  return fault(error, lengthFound("Length", length - AttributeConstants::valueOffset()),
-               fmt::format("Length {}: an HMAC-MD5 has {} bytes",
-                           valueLength + AttributeConstants::valueOffset(), valueLength),
-               messageAuthenticatorSection);
+  return makeFault(error, lengthFound("Length", length - AttributeConstants::valueOffset()),
+                   fmt::format("Length {}: an HMAC-MD5 has {} bytes",
+                               valueLength + AttributeConstants::valueOffset(), valueLength),
+                   messageAuthenticatorSection);
 }
 
 FieldFault passwordLengthFault(ErrorMsg error, std::size_t length) {
   constexpr std::size_t front = AttributeConstants::valueOffset();
-  return fault(
+  return makeFault(
       error, lengthFound("Length", length - front),
       fmt::format("Length {} to {}: {} to {} value bytes in whole blocks of {}",
                   AttributeConstants::minPasswdSize() + front,
@@ -135,48 +136,49 @@ FieldFault prefixFault(const ProbedAttribute& probed, ByteView value) {
       RadiusPktParserBase::isHidden(probed.info)
           ? "a hidden prefix length of more"
           : fmt::format("a prefix of {} bits", value[RadiusPktParserBase::ipv6PrefixLengthOffset]);
-  return fault(probed.error, found,
-               fmt::format("at most {} bits", AttributeConstants::maxPrefixLength()),
-               prefixSection);
+  return makeFault(probed.error, found,
+                   fmt::format("at most {} bits", AttributeConstants::maxPrefixLength()),
+                   prefixSection);
 }
 
 }  // namespace
 
 FieldFault headerCutFault(std::size_t size) {
-  return fault(ErrorMsg::invalidPktLength, count(size, "byte"),
-               fmt::format("at least {}: Code, Identifier, Length and Authenticator",
-                           PacketConstants::headerLength()),
-               headerSection);
+  return makeFault(ErrorMsg::invalidPktLength, counted(size, "byte"),
+                   fmt::format("at least {}: Code, Identifier, Length and Authenticator",
+                               PacketConstants::headerLength()),
+                   headerSection);
 }
 
 std::optional<FieldFault> lengthFieldFault(std::size_t length, std::size_t size) {
   if (length < PacketConstants::headerLength() || length > PacketConstants::maxLength()) {
-    return fault(
+    return makeFault(
         ErrorMsg::invalidPktLength, fmt::format("Length {}", length),
         fmt::format("{} to {}", PacketConstants::headerLength(), PacketConstants::maxLength()),
         headerSection);
   }
   if (length > size) {
-    return fault(ErrorMsg::invalidPktLength, fmt::format("Length {}", length),
-                 fmt::format("at most {}, for there are no more bytes: the packet was cut", size),
-                 headerSection);
+    return makeFault(
+        ErrorMsg::invalidPktLength, fmt::format("Length {}", length),
+        fmt::format("at most {}, for there are no more bytes: the packet was cut", size),
+        headerSection);
   }
   return std::nullopt;
 }
 
 FieldFault loneByteFault() {
-  return fault(ErrorMsg::invalidAttrLength, "1 byte",
-               "an attribute of at least 2, or the end of the packet", attributeSection);
+  return makeFault(ErrorMsg::invalidAttrLength, "1 byte",
+                   "an attribute of at least 2, or the end of the packet", attributeSection);
 }
 
 FieldFault attributeLengthFault(U8 length, std::size_t remaining) {
   const std::string found = fmt::format("Length {}", length);
   if (length < AttributeConstants::valueOffset()) {
-    return fault(ErrorMsg::invalidAttrLength, found, "at least 2: Type and Length count themselves",
-                 attributeSection);
+    return makeFault(ErrorMsg::invalidAttrLength, found,
+                     "at least 2: Type and Length count themselves", attributeSection);
   }
-  return fault(ErrorMsg::invalidAttrLength, found,
-               fmt::format("at most {}: so many bytes are left", remaining), attributeSection);
+  return makeFault(ErrorMsg::invalidAttrLength, found,
+                   fmt::format("at most {}: so many bytes are left", remaining), attributeSection);
 }
 
 PartFault partFault(const ProbedAttribute& probed, ByteView attribute) {
@@ -200,10 +202,10 @@ PartFault partFault(const ProbedAttribute& probed, ByteView attribute) {
   const std::string_view field = isVendor ? "Vendor-Length" : "Length";
   if (probed.error == ErrorMsg::tagByteMissing) {
     return {FaultyPart::length, false,
-            fault(probed.error, lengthFound(field, value.size()),
-                  fmt::format("at least {}: a tag stands in front of the value",
-                              AttributeConstants::valueOffset() + 1),
-                  tagSection)};
+            makeFault(probed.error, lengthFound(field, value.size()),
+                      fmt::format("at least {}: a tag stands in front of the value",
+                                  AttributeConstants::valueOffset() + 1),
+                      tagSection)};
   }
   if (reason.find("Invalid prefix length") != std::string_view::npos) {
     return {FaultyPart::prefixLength, false, prefixFault(probed, value)};
@@ -219,27 +221,29 @@ std::optional<std::size_t> fixedLength(RadiusAttributeType::RadiusAttributeTypeE
 }
 
 FieldFault secondMessageAuthenticatorFault() {
-  return fault(ErrorMsg::invalidMsgAuth, "a second Message-Authenticator", "at most one",
-               attributeTableSection);
+  return makeFault(ErrorMsg::invalidMsgAuth, "a second Message-Authenticator", "at most one",
+                   attributeTableSection);
 }
 
 FieldFault unsupportedCodeFault(U8 code) {
-  return fault(ErrorMsg::unsupportedPktType,
-               fmt::format("a Message-Authenticator in a packet of code {}", code),
-               "none: what it covers is not defined for this code", messageAuthenticatorSection);
+  return makeFault(ErrorMsg::unsupportedPktType,
+                   fmt::format("a Message-Authenticator in a packet of code {}", code),
+                   "none: what it covers is not defined for this code",
+                   messageAuthenticatorSection);
 }
 
 FieldFault notConsecutiveFault(const RadiusPktParserBase::Attribute& key, const std::string& name) {
   const bool isEap = key.attrId == RadiusAttributeId::EAP_MESSAGE;
-  return fault(ErrorMsg::concatAttrNotConsecutive,
-               fmt::format("a fragment of {} behind another attribute", name),
-               "all fragments of a value one behind the other",
-               isEap ? eapMessageSection : concatSection);
+  return makeFault(ErrorMsg::concatAttrNotConsecutive,
+                   fmt::format("a fragment of {} behind another attribute", name),
+                   "all fragments of a value one behind the other",
+                   isEap ? eapMessageSection : concatSection);
 }
 
 FieldFault missingMessageAuthenticatorFault() {
-  return fault(ErrorMsg::missingRequiredMsgAuth, "an EAP-Message, but no Message-Authenticator",
-               "a Message-Authenticator in each packet that has an EAP-Message", eapMessageSection);
+  return makeFault(ErrorMsg::missingRequiredMsgAuth, "an EAP-Message, but no Message-Authenticator",
+                   "a Message-Authenticator in each packet that has an EAP-Message",
+                   eapMessageSection);
 }
 
 }  // namespace RadiusPacketTool

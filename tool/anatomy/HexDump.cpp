@@ -15,12 +15,12 @@ namespace {
 
 using ByteView = std::span<const U8>;
 
-constexpr std::size_t bytesInLine = 16;
-constexpr std::size_t bytesInHalf = 8;
+constexpr std::size_t dumpWidth = 16;
+constexpr std::size_t dumpHalf = 8;
 /// A dump of no more lines is shown whole.
 constexpr std::size_t shortDump = 12;
 /// How many lines are shown in front of and behind the marked ones.
-constexpr std::size_t context = 2;
+constexpr std::size_t linesAround = 2;
 
 bool isPrintable(U8 byte) {
   constexpr U8 firstBeyondAscii = 0x80;
@@ -36,17 +36,17 @@ class Dump {
         size_(std::max(bytes.size(), marked.offset + marked.length)) {}
 
   std::string text() {
-    const std::size_t lines = (size_ + bytesInLine - 1) / bytesInLine;
+    const std::size_t lines = (size_ + dumpWidth - 1) / dumpWidth;
     std::size_t first = 0;
     std::size_t end = lines;
     if (lines > shortDump) {
-      const std::size_t firstMarked = marked_.offset / bytesInLine;
-      first = firstMarked - std::min(firstMarked, context);
-      end = std::min(lines, endOfMarked() + context);
+      const std::size_t firstMarked = marked_.offset / dumpWidth;
+      first = firstMarked - std::min(firstMarked, linesAround);
+      end = std::min(lines, endOfMarked() + linesAround);
     }
     addGap(first > 0);
     for (std::size_t line = first; line < end; ++line) {
-      addLine(line * bytesInLine);
+      addLine(line * dumpWidth);
     }
     addGap(end < lines);
     return text_;
@@ -55,7 +55,7 @@ class Dump {
  private:
   /// The line behind the last marked one.
   std::size_t endOfMarked() const {
-    return (marked_.offset + marked_.length + bytesInLine - 1) / bytesInLine;
+    return (marked_.offset + marked_.length + dumpWidth - 1) / dumpWidth;
   }
 
   bool isMarked(std::size_t offset) const {
@@ -66,13 +66,13 @@ class Dump {
   void addGap(bool isThere) { text_ += isThere ? "  ....\n" : ""; }
 
   void addLine(std::size_t from) {
-    const std::size_t end = std::min(size_, from + bytesInLine);
+    const std::size_t end = std::min(size_, from + dumpWidth);
     std::string digits;
     std::string marks;
     std::string characters;
     bool hasMarks = false;
     for (std::size_t at = from; at < end; ++at) {
-      const std::string_view gap = at == from ? "" : (at - from) % bytesInHalf == 0 ? "  " : " ";
+      const std::string_view gap = at == from ? "" : (at - from) % dumpHalf == 0 ? "  " : " ";
       const bool marked = isMarked(at);
       digits += gap;
       digits += at < bytes_.size() ? hexText(bytes_.subspan(at, 1)) : "--";
@@ -83,7 +83,7 @@ class Dump {
                                               : '.';
       hasMarks = hasMarks || marked;
     }
-    constexpr int digitsWidth = 3 * bytesInLine;
+    constexpr int digitsWidth = 3 * dumpWidth;
     add(fmt::format("  {:04x}  {:<{}}  {}", from, digits, digitsWidth, characters));
     if (hasMarks) {
       add(fmt::format("        {}", marks));

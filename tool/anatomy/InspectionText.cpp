@@ -21,7 +21,7 @@ namespace {
 
 using ByteView = std::span<const U8>;
 
-constexpr std::size_t bytesInLine = 16;
+constexpr std::size_t bytesInRow = 16;
 constexpr std::size_t bytesInGroup = 4;
 constexpr std::size_t mostHexLines = 16;
 constexpr std::size_t leastMeaningWidth = 24;
@@ -44,12 +44,12 @@ std::string hexLine(ByteView bytes) {
 /// The bytes of a field; of very many only the first.
 std::vector<std::string> hexLines(ByteView bytes) {
   std::vector<std::string> lines;
-  for (std::size_t at = 0; at < bytes.size(); at += bytesInLine) {
+  for (std::size_t at = 0; at < bytes.size(); at += bytesInRow) {
     if (lines.size() == mostHexLines) {
       lines.push_back(fmt::format("... {} more", bytes.size() - at));
       break;
     }
-    lines.push_back(hexLine(bytes.subspan(at, std::min(bytesInLine, bytes.size() - at))));
+    lines.push_back(hexLine(bytes.subspan(at, std::min(bytesInRow, bytes.size() - at))));
   }
   return lines;
 }
@@ -74,7 +74,7 @@ class Table {
       const Field& field = anatomy.fields[index];
       nameWidth_ = std::max(nameWidth_, indented(field).size());
       if (!consistsOfFields(anatomy, index)) {
-        const std::size_t count = std::min(bytesInLine, field.bytes.size());
+        const std::size_t count = std::min(bytesInRow, field.bytes.size());
         hexWidth_ = std::max(hexWidth_, hexLine(ByteView(field.bytes).first(count)).size());
       }
     }

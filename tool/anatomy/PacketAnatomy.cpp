@@ -39,7 +39,7 @@ namespace {
 
 using ByteView = std::span<const U8>;
 
-std::string codeText(U8 code) {
+std::string namedCode(U8 code) {
   return fmt::format("{} ({})", stringValue(static_cast<RadiusCode::RadiusCodeEnum>(code)).view(),
                      code);
 }
@@ -108,7 +108,7 @@ class PacketDissection {
   void addHeader() {
     const std::size_t size = fields_.bytes().size();
     if (header_.code.has_value()) {
-      addPart(PacketConstants::codeOffset(), sizeof(U8), "Code", codeText(*header_.code));
+      addPart(PacketConstants::codeOffset(), sizeof(U8), "Code", namedCode(*header_.code));
     }
     if (header_.id.has_value()) {
       addPart(PacketConstants::idOffset(), sizeof(U8), "Identifier",
