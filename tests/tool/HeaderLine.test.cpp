@@ -8,6 +8,7 @@
 #include <gtest/gtest.h>
 
 #include "tests/support/Digests.h"
+#include "tests/tool/SampleReport.h"
 
 namespace RadiusPacketTool {
 namespace {
@@ -19,6 +20,14 @@ const std::string digits = "000102030405060708090a0b0c0d0e0f";
 
 HeaderLine header(Verda::U8 code, Verda::U8 id, const ByteVector& authenticator = {}) {
   return {.code = code, .id = id, .authenticator = authenticator};
+}
+
+const std::string carried = "192.0.2.1:40000 > [2001:db8::1]:1812, 2026-11-21T10:00:00.123456Z";
+
+HeaderLine carriedHeader(const ByteVector& authenticator = {}) {
+  HeaderLine line = header(1, 7, authenticator);
+  line.datagram = sampleDatagram();
+  return line;
 }
 
 struct Row {
@@ -42,6 +51,15 @@ const std::array rows{
     Row{"ACCESS_REQUEST, id 7, authenticator " + digits, header(1, 7, countingBytes(16, 0))},
     Row{"ACCESS_REQUEST, id 7, length 20, packet 1 of x", header(1, 7)},
     Row{"ACCESS_REQUEST, id 7, packet 1 of x, authenticator zz", header(1, 7)},
+    Row{"ACCESS_REQUEST, id 7, " + carried + ", packet 1 of x, packet 2 of y", carriedHeader()},
+    Row{"ACCESS_REQUEST, id 7, length 20, authenticator " + digits +
+            " (unchecked), Message-Authenticator (verified), " + carried +
+            ", packet 1 of x, retransmission of packet 1 of x",
+        carriedHeader(countingBytes(16, 0))},
+    Row{"ACCESS_REQUEST, id 7, " + carried, carriedHeader()},
+    Row{"ACCESS_REQUEST, id 7, 192.0.2.1:40000 > [2001:db8::1]:1812, packet 1 of x", std::nullopt},
+    Row{"ACCESS_REQUEST, id 7, packet 1 of x, " + carried, header(1, 7)},
+    Row{"ACCESS_REQUEST, id 7, " + carried + ", " + carried, std::nullopt},
     Row{"ACCESS_REQUEST, id 256", std::nullopt},
     Row{"ACCESS_REQUEST, id ", std::nullopt},
     Row{"ACCESS_REQUEST, id seven", std::nullopt},

@@ -19,7 +19,7 @@ TEST(JsonOutput, WritesAGoodPacketOnOneLine) {
   report.messageAuthenticatorPresent = true;
   EXPECT_EQ(
       jsonOf(report),
-      R"({"schema":1,"kind":"packet","source":"file.hex","index":2,"code":2,"codeName":"ACCESS_ACCEPT","id":7,)"
+      R"({"schema":1,"kind":"packet","source":"file.hex","index":2,"time":null,"from":null,"to":null,"code":2,"codeName":"ACCESS_ACCEPT","id":7,)"
       R"("length":20,"authenticator":"000102030405060708090a0b0c0d0e0f","pairedWith":null,"retransmissionOf":null,"error":"success",)"
       R"("reason":null,"messageAuthenticator":true,"attributes":[]})"
       "\n");
@@ -32,12 +32,23 @@ TEST(JsonOutput, SaysWhichRequestAResponseWasPairedWith) {
             R"({"source":"\\xff","index":70000})");
 }
 
+TEST(JsonOutput, SaysWhatCarriedAPacketAndWhatItRepeats) {
+  PacketReport report = sampleReport();
+  report.datagram = sampleDatagram();
+  report.retransmissionOf = {.source = "x.pcap", .index = 3};
+  const auto json = nlohmann::ordered_json::parse(jsonOf(report));
+  EXPECT_EQ(json.at("time"), "2026-11-21T10:00:00.123456Z");
+  EXPECT_EQ(json.at("from"), "192.0.2.1:40000");
+  EXPECT_EQ(json.at("to"), "[2001:db8::1]:1812");
+  EXPECT_EQ(json.at("retransmissionOf").dump(), R"({"source":"x.pcap","index":3})");
+}
+
 TEST(JsonOutput, WritesTheStatusServerVerdictWhereItIsAskedFor) {
   PacketReport report = sampleReport();
   report.statusServer = StatusServerErrorMsg::msgAuthNotPresent;
   EXPECT_EQ(
       jsonOf(report, {.statusServer = true}),
-      R"({"schema":1,"kind":"packet","source":"file.hex","index":2,"code":2,"codeName":"ACCESS_ACCEPT","id":7,)"
+      R"({"schema":1,"kind":"packet","source":"file.hex","index":2,"time":null,"from":null,"to":null,"code":2,"codeName":"ACCESS_ACCEPT","id":7,)"
       R"("length":20,"authenticator":"000102030405060708090a0b0c0d0e0f","pairedWith":null,"retransmissionOf":null,"error":"success",)"
       R"("reason":null,"messageAuthenticator":false,"statusServer":"msgAuthNotPresent",)"
       R"("attributes":[]})"
@@ -59,7 +70,7 @@ TEST(JsonOutput, WritesNullForWhatAShortPacketLacks) {
   report.reason = "Packet has invalid length: 0";
   EXPECT_EQ(
       jsonOf(report),
-      R"({"schema":1,"kind":"packet","source":"-","index":1,"code":null,"codeName":null,"id":null,"length":null,)"
+      R"({"schema":1,"kind":"packet","source":"-","index":1,"time":null,"from":null,"to":null,"code":null,"codeName":null,"id":null,"length":null,)"
       R"("authenticator":null,"pairedWith":null,"retransmissionOf":null,"error":"invalidPktLength",)"
       R"("reason":"Packet has invalid length: 0","messageAuthenticator":false,)"
       R"("attributes":[]})"

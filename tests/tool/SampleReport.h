@@ -1,5 +1,6 @@
 #pragma once
 
+#include <chrono>
 #include <optional>
 #include <string>
 #include <utility>
@@ -22,6 +23,14 @@ inline PacketReport sampleReport() {
   report.error = RadiusPktParserBase::ErrorMsg::success;
   report.authenticatorCheck = Check::verified;
   return report;
+}
+
+/// A datagram from one family to the other, which no network carries but every text may say.
+inline Datagram sampleDatagram() {
+  constexpr std::chrono::microseconds time{1795255200123456};
+  return {.time = time,
+          .from = {.address = Zonet::IpGenAddr("192.0.2.1"), .port = 40000},
+          .to = {.address = Zonet::IpGenAddr("2001:db8::1"), .port = 1812}};
 }
 
 inline ReportedAttribute sampleAttribute(const std::string& name, ShownValue value,

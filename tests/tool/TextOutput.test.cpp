@@ -27,6 +27,18 @@ TEST(TextOutput, SaysWhichRequestAResponseWasPairedWith) {
             "(verified), packet 2 of file.hex, paired with packet 1 of \\x1b.hex\n");
 }
 
+TEST(TextOutput, SaysWhatCarriedAPacketAndWhatItRepeats) {
+  PacketReport report = sampleReport();
+  report.datagram = sampleDatagram();
+  report.pairedWith = {.source = "x.pcap", .index = 1};
+  report.retransmissionOf = {.source = "\x1b.pcap", .index = 3};
+  EXPECT_EQ(textOf(report),
+            "ACCESS_ACCEPT, id 7, length 20, authenticator 000102030405060708090a0b0c0d0e0f "
+            "(verified), 192.0.2.1:40000 > [2001:db8::1]:1812, 2026-11-21T10:00:00.123456Z, packet "
+            "2 of file.hex, paired with packet 1 of x.pcap, retransmission of packet 3 of "
+            "\\x1b.pcap\n");
+}
+
 TEST(TextOutput, SaysWhatWasFoundOutAboutTheAuthenticators) {
   PacketReport report = sampleReport();
   report.authenticatorCheck = Check::unchecked;

@@ -17,34 +17,38 @@ namespace RadiusPacketTool {
 namespace {
 
 constexpr const char* decodeFooter =
-    "Hex text: any spacing, `:` and `0x` accepted, `#` begins a comment, a blank line separates\n"
-    "packets. Dump: hex dumps with offsets, as xxd, hexdump -C, tcpdump -x and Wireshark write "
-    "them.\n"
-    "C: arrays and \\x strings. Base64. Binary: one packet per FILE. With -f auto, a FILE is the "
-    "first\n"
-    "of these that fits. Without FILE, and for the FILE `-`, standard input is read.\n"
-    "\n"
-    "Requests (codes 1, 4, 12, 40, 43) are decoded without a Request Authenticator, even if one "
-    "is\n"
-    "given. Every other packet needs that of the request which it answers: the one of -a, else "
-    "that\n"
-    "of the nearest request in front of it that has its Identifier and that its code can answer.\n"
-    "\n"
-    "With --legacy, the packet is checked and read through the library's legacy interface: of a\n"
-    "refused packet no attributes are shown, addresses are not shortened, and what the interface\n"
-    "does not read is shown as its bytes, with a warning. A Length field that says more than "
-    "there\n"
-    "is, is warned of, and zeros are read.\n"
-    "\n"
-    "With --json, text values are escaped as in the text form (\\n, \\xNN, \\\", \\\\) and bytes "
-    "are "
-    "hex\n"
-    "digits without 0x; `hex` is the value as on the wire, still hidden.\n"
-    "\n"
-    "Exit status: 0 all packets are good; 1 a check of authenticity failed or could not be made; 2 "
-    "a\n"
-    "packet is refused for another fault; 3 the dictionary does not load; 64 wrong usage; 66\n"
-    "unreadable input; 74 standard output cannot be written.";
+    R"(Hex text: any spacing, `:` and `0x` accepted, `#` begins a comment, a blank line separates
+packets. Dump: hex dumps with offsets, as xxd, hexdump -C, tcpdump -x and Wireshark write them. C:
+arrays and \x strings. Base64. Binary: one packet per FILE. Capture: pcap or pcapng. With -f auto, a
+FILE is a capture by its first bytes, else the first of the others that fits. Without FILE, and for
+the FILE `-`, standard input is read.
+
+Captures: of the datagrams from and to the ports of --port, responses are paired with requests by
+addresses, ports and Identifier. A summary stands at the end.
+
+A line of the FILE of --secrets: address or prefix of the client, white space, its secret, in quotes
+where it has white space itself; # begins a comment. The longest prefix counts.
+
+Requests (codes 1, 4, 12, 40, 43) are decoded without a Request Authenticator, even if one is given.
+Every other packet needs that of the request which it answers: the one of -a, else that of the nearest
+request in front of it that has its Identifier and that its code can answer.
+
+With --legacy, the packet is checked and read through the library's legacy interface: of a refused
+packet no attributes are shown, addresses are not shortened, and what the interface does not read is
+shown as its bytes, with a warning. A Length field that says more than there is, is warned of, and
+zeros are read.
+
+With --json, text values are escaped as in the text form (\n, \xNN, \", \\) and bytes are hex digits
+without 0x; `hex` is the value as on the wire, still hidden.
+
+Examples:
+  radius-packet decode -s secret.txt request.hex answer.hex   an exchange
+  radius-packet decode --secrets clients.txt radius.pcapng    clients with secrets of their own
+  tcpdump -i eth0 -U -w - udp port 1812 | radius-packet decode -s secret.txt
+
+Exit status: 0 all packets are good; 1 a check of authenticity failed or could not be made; 2 a packet
+is refused for another fault; 3 the dictionary does not load; 64 wrong usage; 66 unreadable input; 74
+standard output cannot be written.)";
 
 /// Prints reports one behind the other.
 class ReportPrinter {
