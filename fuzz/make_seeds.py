@@ -1,9 +1,11 @@
 #!/usr/bin/env python3
-"""Writes the seeds that come from elsewhere in the project: golden packets and the dictionary set.
+"""Writes the seeds that come from elsewhere in the project: golden packets, the dictionary set, and
+captures.
 
 A seed of fuzz_packet is what the target reads: a byte of choices, the secret's length, the secret,
 the packet; a seed of fuzz_legacy the secret's length, the secret, a byte of choices, the length of
-the operations in two bytes, the operations, the packet. A seed of fuzz_dictionary is a dictionary file as it is.
+the operations in two bytes, the operations, the packet. A seed of fuzz_dictionary is a dictionary file as it is,
+and one of fuzz_capture a capture.
 """
 
 import pathlib
@@ -11,6 +13,7 @@ import re
 
 HERE = pathlib.Path(__file__).parent
 GOLDEN = HERE.parent / "tests" / "data" / "packets"
+CAPTURES = HERE.parent / "tests" / "data" / "captures"
 DICTIONARIES = HERE.parent / "dictionaries"
 # What to read, set, add and remove, then each way to look at the packet, change it and edit it.
 REQUESTS = b"".join(bytes([4, kind, kind % 5, 0, kind]) for kind in range(1, 12))
@@ -38,6 +41,12 @@ def write_dictionary_seeds():
         (HERE / "fuzz_dictionary.corpus" / source.name).write_bytes(source.read_bytes())
 
 
+def write_capture_seeds():
+    for source in sorted(CAPTURES.rglob("*.pcap*")):
+        (HERE / "fuzz_capture.corpus" / source.name).write_bytes(source.read_bytes())
+
+
 if __name__ == "__main__":
     write_packet_seeds()
     write_dictionary_seeds()
+    write_capture_seeds()

@@ -164,6 +164,7 @@ class DebianPackages(unittest.TestCase):
             depends = run("dpkg-deb", "--field", packages[1], "Depends")
             self.assertRegex(depends, "libssl3")
             self.assertRegex(depends, "libfmt9")
+            self.assertRegex(run("dpkg-deb", "--field", packages[2], "Depends"), "libpcap0.8")
             self.assertIn(DECODED, run(root / "usr" / "bin" / "radius-packet", *DECODE))
             libraries = next(root.glob("usr/lib/**/libRadiusPacketParser.so")).parent
             self.assertEqual(
