@@ -18,7 +18,7 @@ namespace {
 /// How many bytes of packets are made before it is enough.
 constexpr std::size_t maxBytes = std::size_t{16} * 1024 * 1024;
 
-void append(std::vector<U8>& bytes, ByteView more) {
+void appendBytes(std::vector<U8>& bytes, ByteView more) {
   bytes.insert(bytes.end(), more.begin(), more.end());
 }
 
@@ -39,8 +39,9 @@ AttributeOrders::AttributeOrders(ByteView packet)
       movable_(places_.size()),
       bytesLeft_(maxBytes) {
   std::iota(movable_.begin(), movable_.end(), std::size_t{0});
-  std::ranges::stable_partition(
-      movable_, [&](std::size_t index) { return isWholeMessageAuthenticator(places_[index]); });
+  std::stable_partition(movable_.begin(), movable_.end(), [&](std::size_t index) {
+    return isWholeMessageAuthenticator(places_[index]);
+  });
 }
 
 std::optional<AttributeOrder> AttributeOrders::next() {
@@ -114,17 +115,17 @@ AttributeOrder AttributeOrders::moved(const Move& move) const {
 SignedBytes AttributeOrders::packetOf(const std::vector<AttributePlace>& order) const {
   SignedBytes made;
   made.bytes.reserve(packet_.size());
-  append(made.bytes, packet_.first(PacketConstants::headerLength()));
+  appendBytes(made.bytes, packet_.first(PacketConstants::headerLength()));
   std::size_t end = PacketConstants::headerLength();
   for (const AttributePlace& place : order) {
     if (!made.messageAuthenticatorAt.has_value() && isWholeMessageAuthenticator(place)) {
       made.messageAuthenticatorAt = made.bytes.size();
     }
-    append(made.bytes, packet_.subspan(place.offset, place.length));
+    appendBytes(made.bytes, packet_.subspan(place.offset, place.length));
     end += place.length;
   }
   // What is no attribute stays behind all others.
-  append(made.bytes, packet_.subspan(end));
+  appendBytes(made.bytes, packet_.subspan(end));
   return made;
 }
 

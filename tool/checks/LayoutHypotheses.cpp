@@ -39,7 +39,7 @@ SignedBytes wholeBuffer(const FailingPacket& packet) {
           .messageAuthenticatorAt = packet.packet().messageAuthenticatorAt};
 }
 
-std::size_t lengthField(const FailingPacket& packet) {
+std::size_t claimedLength(const FailingPacket& packet) {
   return *packet.context().header.length;
 }
 
@@ -48,7 +48,7 @@ bool hasLayout(const FailingPacket& packet) {
 }
 
 bool hasAnotherLength(const FailingPacket& packet) {
-  return hasLayout(packet) && packet.buffer().size() != lengthField(packet) &&
+  return hasLayout(packet) && packet.buffer().size() != claimedLength(packet) &&
          packet.buffer().size() <= PacketConstants::maxLength();
 }
 
@@ -60,7 +60,7 @@ Finding wrongLengthFinding(const FailingPacket& packet) {
   return fmt::format(
       "The packet was signed with a Length of {}, as many bytes as there are: the Length field, "
       "which says {}, was changed behind the signer.",
-      size, lengthField(packet));
+      size, claimedLength(packet));
 }
 
 Finding paddingFinding(const FailingPacket& packet) {
@@ -70,12 +70,12 @@ Finding paddingFinding(const FailingPacket& packet) {
   return fmt::format(
       "The packet was signed over all {} bytes there are: the {} that its Length says must be "
       "signed, without padding.",
-      packet.buffer().size(), lengthField(packet));
+      packet.buffer().size(), claimedLength(packet));
 }
 
 /// The signer computed before the Length was final.
 Finding earlyLengthFinding(const FailingPacket& packet) {
-  const std::size_t length = lengthField(packet);
+  const std::size_t length = claimedLength(packet);
   std::vector<std::size_t> earlier{0, PacketConstants::headerLength()};
   if (packet.packet().messageAuthenticatorAt.has_value()) {
     earlier.push_back(length - messageAuthenticatorLength);
@@ -97,7 +97,7 @@ Finding otherLengthsFinding(const FailingPacket& packet) {
   return padding.has_value() ? padding : earlyLengthFinding(packet);
 }
 
-bool hasMessageAuthenticator(const FailingPacket& packet) {
+bool hasOneToLeaveOut(const FailingPacket& packet) {
   return hasLayout(packet) && packet.packet().messageAuthenticatorAt.has_value();
 }
 
@@ -115,7 +115,7 @@ Finding withoutItFinding(const FailingPacket& packet) {
   const SignedBytes without{.bytes = bytesWithoutIt(packet),
                             .messageAuthenticatorAt = std::nullopt};
   const SigningInput& signing = packet.signing();
-  for (const std::size_t length : {without.bytes.size(), lengthField(packet)}) {
+  for (const std::size_t length : {without.bytes.size(), claimedLength(packet)}) {
     const std::vector<U8> bytes = withLength(without, length).bytes;
     const bool isAuthenticator = packet.authenticatorIs(computedAuthenticator(
         bytes, authenticatorCover(packet.code(), signing.requestAuthenticator), signing.secret));
@@ -182,7 +182,7 @@ std::span<const Hypothesis> layoutHypotheses() {
   static constexpr auto hypotheses = std::to_array<Hypothesis>({
       {"a Length field that was changed", hasAnotherLength, wrongLengthFinding},
       {"digests over another length", hasLayout, otherLengthsFinding},
-      {"digests without the Message-Authenticator", hasMessageAuthenticator, withoutItFinding},
+      {"digests without the Message-Authenticator", hasOneToLeaveOut, withoutItFinding},
       {"attributes added behind the signer", hasAttributes, addedFinding},
       {"attributes in another order", hasAnOrder, orderFinding},
   });

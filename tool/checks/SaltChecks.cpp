@@ -20,13 +20,13 @@ constexpr const char* saltRfc = "RFC 2868 section 3.5";
 constexpr U8 firstBit = 0x80;
 
 /// The salt of a value.
-struct Salt {
+struct PlacedSalt {
   ByteView bytes;
   const ReportedAttribute* attribute = nullptr;
 };
 
-std::vector<Salt> saltsOf(const CheckedPacket& packet, const AttributeNames& dictionary) {
-  std::vector<Salt> salts;
+std::vector<PlacedSalt> saltsOf(const CheckedPacket& packet, const AttributeNames& dictionary) {
+  std::vector<PlacedSalt> salts;
   for (const ReportedAttribute& attribute : packet.structure.attributes) {
     const AttrInfo info = dictionary.infoOf(attribute.key);
     const std::size_t tagLength = info.isTagged ? 1 : 0;
@@ -40,7 +40,7 @@ std::vector<Salt> saltsOf(const CheckedPacket& packet, const AttributeNames& dic
   return salts;
 }
 
-CheckResult failure(const char* check, const Salt& salt, const std::string& fault) {
+CheckResult failure(const char* check, const PlacedSalt& salt, const std::string& fault) {
   return {.check = check,
           .verdict = Verdict::fail,
           .reason = fmt::format("{} has the salt {}, {}", salt.attribute->name, hexText(salt.bytes),
@@ -86,10 +86,10 @@ std::vector<CheckResult> orNoFailure(std::vector<CheckResult> failures, const ch
 
 std::vector<CheckResult> uniqueSaltsResults(const CheckedPacket& packet,
                                             const AttributeNames& dictionary) {
-  const std::vector<Salt> salts = saltsOf(packet, dictionary);
+  const std::vector<PlacedSalt> salts = saltsOf(packet, dictionary);
   std::vector<CheckResult> failures;
   for (auto salt = salts.begin(); salt != salts.end(); ++salt) {
-    const auto earlier = std::find_if(salts.begin(), salt, [&](const Salt& other) {
+    const auto earlier = std::find_if(salts.begin(), salt, [&](const PlacedSalt& other) {
       return std::ranges::equal(other.bytes, salt->bytes);
     });
     if (earlier != salt) {
@@ -103,9 +103,9 @@ std::vector<CheckResult> uniqueSaltsResults(const CheckedPacket& packet,
 
 std::vector<CheckResult> saltBitResults(const CheckedPacket& packet,
                                         const AttributeNames& dictionary) {
-  const std::vector<Salt> salts = saltsOf(packet, dictionary);
+  const std::vector<PlacedSalt> salts = saltsOf(packet, dictionary);
   std::vector<CheckResult> failures;
-  for (const Salt& salt : salts) {
+  for (const PlacedSalt& salt : salts) {
     if ((salt.bytes.front() & firstBit) == 0) {
       failures.push_back(failure(saltBitCheck, salt, "whose first bit is not set"));
     }
