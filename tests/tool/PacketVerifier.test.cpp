@@ -157,6 +157,15 @@ TEST(PacketVerifier, Structure) {
        {"bad Message-Authenticator", plain(1, attributeBytes(80, {1})),
         "fail: invalidAttrLength: Invalid length of message authenticator: 3 (offset 20, RFC 2865 "
         "section 5)"},
+       {"Message-Authenticator that the Length cuts",
+        [] {
+          ByteVector packet = withMessageAuthenticator(1);
+          packet[3] = 30;
+          return packet;
+        }(),
+        "fail: invalidAttrLength: Invalid attribute: 80 attrLength: 18, remainingPktLen: 10 "
+        "(offset "
+        "20, RFC 2865 section 5)"},
        {"fragments apart", plain(1, joined({eapMessage, userName, eapMessage})),
         "fail: concatAttrNotConsecutive: Concat attribute: 79 not consecutive (offset 33, RFC 2865 "
         "section 5)"},

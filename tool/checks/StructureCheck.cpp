@@ -54,7 +54,9 @@ std::vector<U8> withoutDigests(ByteView packet, const PacketContext& context) {
   bytes[PacketConstants::codeOffset()] = RadiusCode::ACCESS_REQUEST;
   std::ranges::copy(hidingAuthenticator(packet, context),
                     bytes.begin() + PacketConstants::authenticatorOffset());
-  for (const AttributePlace& place : attributePlaces(packet)) {
+  const std::size_t end = std::clamp<std::size_t>(*context.header.length,
+                                                  PacketConstants::headerLength(), packet.size());
+  for (const AttributePlace& place : attributePlaces(packet.first(end))) {
     if (isWholeMessageAuthenticator(place)) {
       disguise(std::span(bytes).subspan(place.offset, place.length));
     }
