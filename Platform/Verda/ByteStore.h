@@ -114,6 +114,7 @@ class ByteStore {
   void take(ByteStore& other) noexcept {
     heap_ = std::move(other.heap_);
     std::memcpy(inline_, other.inline_, sizeof(inline_));
+    // NOLINTNEXTLINE(clang-analyzer-cplusplus.NewDeleteLeaks): the heap has moved
     size_ = other.size_;
     capacity_ = other.capacity_;
     other.size_ = 0;

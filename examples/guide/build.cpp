@@ -43,7 +43,7 @@ Ptr<RadiusHdr> newHeader(const RadiusPktBuilder& builder, U8 code, U8 identifier
 // [attributes]
 /// What an Access-Request is to hold, in this order.
 Ptr<PktInfoBuilder> loginOf(const String& user, const String& password) {
-  const auto content = pktInfoBuilderFactory();
+  auto content = pktInfoBuilderFactory();
 
   content->attributesToAddIs(0)->attrWithValueIs(  // a place: the build computes the value
       attrWithValueFactory(standardAttribute(RadiusAttributeId::MESSAGE_AUTHENTICATOR)));
@@ -82,7 +82,7 @@ Ptr<PktInfoBuilder> welcome() {
   const auto url = attrWithValueFactory(vendorAttribute(wispr, redirectionUrl));
   url->attrValuePush(String("https://www.example.com/"));
 
-  const auto content = pktInfoBuilderFactory();
+  auto content = pktInfoBuilderFactory();
   Verda::U16 turn = 0;
   for (const auto& attribute : {place, lines, timeout, prefix, url}) {
     content->attributesToAddIs(turn++)->attrWithValueIs(attribute);

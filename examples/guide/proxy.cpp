@@ -97,7 +97,7 @@ Ptr<Pkt> modified(const RadiusPktBuilder& builder, const Ptr<Pkt>& pkt, const St
 // [identifier]
 /// The packet under another identifier; `modifyPkt` signs it again.
 Ptr<Pkt> withIdentifier(const Pkt& pkt, U8 identifier) {
-  const auto copy = Zonet::pktFactory(pkt.span());
+  auto copy = Zonet::pktFactory(pkt.span());
   copy->data()[PacketConstants::idOffset()] = identifier;
   return copy;
 }

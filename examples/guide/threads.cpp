@@ -6,8 +6,9 @@
 // status: 0; 64 wrong usage.
 
 #include <atomic>
-#include <cstdlib>
+#include <cstddef>
 #include <iostream>
+#include <string>
 #include <thread>
 #include <vector>
 
@@ -23,7 +24,6 @@ using RadiusPacketParser::RadiusAttributeId;
 using RadiusPacketParser::RadiusCode;
 using Verda::Bytes;
 using Verda::Ptr;
-using Verda::String;
 
 // [round]
 /// Shared: parser, builder, and a build request that nobody changes. A thread's own: header, packet
@@ -40,8 +40,8 @@ bool buildAndParse(RadiusPktParser& parser, const RadiusPktBuilder& builder,
 // [/round]
 
 int run(const Example::CommandLine& line) {
-  const int threadCount = std::atoi(line[1]);
-  const int packets = std::atoi(line[2]);
+  const std::size_t threadCount = std::stoul(line[1]);
+  const int packets = std::stoi(line[2]);
   const auto dictionary = RadiusPacketParser::radiusDictionaryParserFactory(line[0])->dictionary();
   const auto content = pktInfoBuilderFactory();
   content->attributesToAddIs(0)->attrWithValueIs(
@@ -52,7 +52,8 @@ int run(const Example::CommandLine& line) {
   const RadiusPktBuilder builder(dictionary);
   std::atomic<int> good = 0;
   std::vector<std::jthread> threads;
-  for (int thread = 0; thread < threadCount; ++thread) {
+  threads.reserve(threadCount);
+  for (std::size_t thread = 0; thread < threadCount; ++thread) {
     threads.emplace_back([&] {
       for (int packet = 0; packet < packets; ++packet) {
         good += buildAndParse(parser, builder, content) ? 1 : 0;
