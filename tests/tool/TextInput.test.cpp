@@ -1,6 +1,7 @@
 #include "tool/input/TextInput.h"
 
 #include <algorithm>
+#include <array>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
@@ -104,7 +105,7 @@ TEST(TextInput, ReadsItBehindAByteOrderMarkAndWithOtherLineEnds) {
       text += c == '\n' ? "\r\n" : std::string(1, c);
     }
     const PacketList expected{sample.bytes};
-    for (const std::size_t pieceSize : {1, 2, 1000000}) {
+    for (const std::size_t pieceSize : std::array<std::size_t, 3>{1, 2, 1000000}) {
       EXPECT_EQ(read(InputFormat::automatic, text, pieceSize), expected);
       EXPECT_EQ(read(formatOf(sample.form), text, pieceSize), expected);
     }
