@@ -230,8 +230,7 @@ TEST_F(LoaderAgreement, HoldsForEachFault) {
   }
 }
 
-/// The messages of `docs/DICTIONARY-FORMAT.md`: each up to the first word that a file gives, or the
-/// number of a line.
+/// The messages of `docs/DICTIONARY-FORMAT.md`, each up to its first argument.
 std::set<std::string> documentedMessages() {
   const std::string page =
       readWhole(std::filesystem::path(DICTIONARY_DIR).parent_path() / "docs/DICTIONARY-FORMAT.md");
@@ -239,11 +238,8 @@ std::set<std::string> documentedMessages() {
   std::size_t at = page.find("## Messages");
   while ((at = page.find("\n| `", at)) != std::string::npos) {
     at += std::string_view("\n| `").size();
-    std::string message = page.substr(at, page.find('`', at) - at);
-    for (const std::string_view word : {"WORD", "CODE", "FLAG", "FORMAT ", "NAME", " ID", " N", "atN"}) {
-      message.resize(std::min(message.find(word), message.size()));
-    }
-    messages.insert(message);
+    const std::string message = page.substr(at, page.find('`', at) - at);
+    messages.insert(message.substr(0, message.find("{}")));
   }
   return messages;
 }

@@ -1,5 +1,6 @@
 #include "tool/anatomy/Explanation.h"
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include "tests/tool/SampleReport.h"
@@ -36,7 +37,7 @@ TEST(Explanation, SaysWhatWasFoundOutOfACheck) {
   Explanation explanation = sampleExplanation();
   explanation.report.pairedWith = PacketPlace{.source = "request.bin", .index = 1};
   explanation.diagnosis = {.finding = "the secret ends with a newline",
-                          .ruledOut = {"a secret in hex", "a \x1b[2J"}};
+                           .ruledOut = {"a secret in hex", "a \x1b[2J"}};
   EXPECT_EQ(textOf(explanation),
             "packet 2 of file.hex is refused: invalidPktAuth\n"
             "\n"
@@ -50,11 +51,10 @@ TEST(Explanation, SaysWhatWasFoundOutOfACheck) {
             "expected   another\n"
             "section    RFC 2865 section 3\n"
             "answers    packet 1 of request.bin\n"
-            "finding    the secret ends with a newline\n"
-            "ruled out  a secret in hex\n"
-            "           a \\x1b[2J\n");
+            "finding    the secret ends with a newline\n");
   EXPECT_EQ(jsonOf(explanation),
-            R"({"schema":1,"kind":"explanation","source":"file.hex","index":2,"code":2,)"
+            R"({"schema":1,"kind":"explanation","source":"file.hex","index":2,)"
+            R"("time":null,"from":null,"to":null,"code":2,)"
             R"("codeName":"ACCESS_ACCEPT","id":7,"length":20,)"
             R"("authenticator":"000102030405060708090a0b0c0d0e0f",)"
             R"("pairedWith":{"source":"request.bin","index":1},"error":"invalidPktAuth",)"
@@ -63,6 +63,22 @@ TEST(Explanation, SaysWhatWasFoundOutOfACheck) {
             R"("section":"RFC 2865 section 3"},"finding":"the secret ends with a newline",)"
             R"("ruledOut":["a secret in hex","a \\x1b[2J"],"others":[]})"
             "\n");
+}
+
+TEST(Explanation, SaysWhatWasRuledOutWhenNothingFits) {
+  Explanation explanation = sampleExplanation();
+  explanation.diagnosis = {.finding = std::nullopt, .ruledOut = {"a secret in hex", "a \x1b[2J"}};
+  explanation.report.datagram =
+      Datagram{.time = std::chrono::microseconds(1),
+               .from = {.address = Zonet::IpGenAddr("192.0.2.1"), .port = 1812},
+               .to = {.address = Zonet::IpGenAddr("2001:db8::1"), .port = 40000}};
+  EXPECT_THAT(textOf(explanation),
+              testing::EndsWith(
+                  "section    RFC 2865 section 3\n"
+                  "went       192.0.2.1:1812 > [2001:db8::1]:40000, 1970-01-01T00:00:00.000001Z\n"
+                  "finding    nothing that was tried fits: most likely the secret is another\n"
+                  "ruled out  a secret in hex\n"
+                  "           a \\x1b[2J\n"));
 }
 
 TEST(Explanation, SaysWhatElseIsWrong) {

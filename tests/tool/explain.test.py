@@ -18,11 +18,14 @@ from signed_packets import (REQUEST_AUTHENTICATOR, SECRET, attribute, hidden, pa
                             signed_request)
 
 DATA = pathlib.Path(sys.argv[2])
-PACKET_KEYS = ["schema", "kind", "source", "index", "code", "codeName", "id", "length",
-               "authenticator", "pairedWith", "error", "reason", "fault", "finding", "ruledOut",
+PACKET_KEYS = ["schema", "kind", "source", "index", "time", "from", "to", "code", "codeName",
+               "id", "length", "authenticator", "pairedWith", "error", "reason", "fault",
+               "finding", "ruledOut",
                "others"]
 FAULT_KEYS = ["offset", "length", "path", "hex", "found", "expected", "section"]
 OTHER_KEYS = ["offset", "length", "path", "hex", "error", "found", "expected", "section"]
+ZERO_FINDING = ("The signer put zeros in the place of the Request Authenticator: the authenticator of "
+                "the request that it answers belongs there.")
 MISSING = "no Request Authenticator: give that of the request which this packet answers with -a HEX"
 
 
@@ -62,13 +65,32 @@ class Outputs(unittest.TestCase):
     def test_of_an_exchange_name_the_request(self):
         request = packet(1, attribute(1, b"alice"))
         good = packet(2, request_authenticator=request[4:20])
-        bad = packet(2, request_authenticator=bytes(16))
+        bad = packet(2, request_authenticator=bytes(range(16, 32)))
         result = explain(stdin="\n\n".join(p.hex() for p in (request, good, bad)))
         lines = result.text.splitlines()
         self.assertEqual(lines[:4], ["packet 1 of - is accepted", "packet 2 of - is accepted", "",
                                      "packet 3 of - is refused: invalidPktAuth"])
-        self.assertEqual(lines[-1], "answers    packet 1 of -")
+        self.assertIn("answers    packet 1 of -", lines)
         self.assertEqual(result.status, 1)
+
+    def test_name_the_cause_of_a_wrong_digest(self):
+        request = packet(1, attribute(1, b"alice"))
+        bad = packet(2, request_authenticator=bytes(16))
+        result = explain(stdin=f"{request.hex()}\n\n{bad.hex()}")
+        finding = result.text.partition("finding    ")[2].split()
+        self.assertEqual(" ".join(finding), ZERO_FINDING)
+        (_, explanation) = explain("--json", stdin=f"{request.hex()}\n\n{bad.hex()}").objects
+        self.assertEqual(explanation["finding"], ZERO_FINDING)
+        self.assertIn("an empty secret", explanation["ruledOut"])
+
+    def test_try_the_secrets_of_other_clients(self):
+        with tempfile.TemporaryDirectory() as folder:
+            clients = pathlib.Path(folder) / "clients"
+            clients.write_text(f"192.0.2.0/24 {SECRET}\n")
+            result = explain("--secrets", clients, "--json", stdin=packet(4, attribute(1, b"a")).hex(),
+                             secret="another")
+        self.assertIn("192.0.2.0/24", result.objects[0]["finding"])
+        self.assertNotIn(SECRET, result.text)
 
     def test_of_a_long_packet_show_the_lines_around_the_fault(self):
         long = packet(1, *[attribute(18, b"x" * 253)] * 8, attribute(5, b"\1\2\3"),

@@ -21,8 +21,8 @@ from signed_packets import (REQUEST_AUTHENTICATOR, SECRET, attribute, hidden, pa
                             signed_request)
 
 DATA = pathlib.Path(sys.argv[2])
-PACKET_KEYS = ["schema", "kind", "source", "index", "code", "codeName", "id", "length",
-               "authenticator", "structure", "checks", "fields"]
+PACKET_KEYS = ["schema", "kind", "source", "index", "time", "from", "to", "code", "codeName",
+               "id", "length", "authenticator", "structure", "checks", "fields"]
 CHECK_KEYS = ["error", "reason", "authenticator", "messageAuthenticator", "pairedWith"]
 FIELD_KEYS = ["offset", "length", "path", "depth", "name", "hex", "meaning", "redacted", "fault"]
 FAULT_KEYS = ["error", "found", "expected", "section"]

@@ -37,6 +37,24 @@ std::string culpritText(const Explanation& explanation) {
          labelled("section", field.fault->section);
 }
 
+/// What was tried in vain matters only to who must look on.
+std::string diagnosisText(const Diagnosis& diagnosis) {
+  if (diagnosis.finding.has_value()) {
+    return labelled("finding", *diagnosis.finding);
+  }
+  if (diagnosis.ruledOut.empty()) {
+    return {};
+  }
+  std::string text =
+      labelled("finding", "nothing that was tried fits: most likely the secret is another");
+  std::string_view label = "ruled out";
+  for (const std::string& line : diagnosis.ruledOut) {
+    text += labelled(label, line);
+    label = "";
+  }
+  return text;
+}
+
 }  // namespace
 
 std::string textOf(const Explanation& explanation) {
@@ -57,17 +75,7 @@ std::string textOf(const Explanation& explanation) {
   if (report.datagram.has_value()) {
     text += labelled("went", datagramText(*report.datagram));
   }
-  const Diagnosis& diagnosis = explanation.diagnosis;
-  if (diagnosis.finding.has_value()) {
-    text += labelled("finding", *diagnosis.finding);
-  } else if (!diagnosis.ruledOut.empty()) {
-    text += labelled("finding", "nothing that was tried fits: most likely the secret is another");
-  }
-  std::string_view label = "ruled out";
-  for (const std::string& line : diagnosis.ruledOut) {
-    text += labelled(label, line);
-    label = "";
-  }
+  text += diagnosisText(explanation.diagnosis);
   for (const Field& field : explanation.others) {
     text += labelled("also", fmt::format("{} at {}: {}", stringValue(field.fault->error).view(),
                                          offsetText(field), field.path));
