@@ -62,7 +62,7 @@ std::optional<Endpoint> endpointOf(std::string_view text) {
 }
 
 /// The time that a text may be meant to say: text of another form may stand for it too.
-std::optional<nanoseconds> timeOf(const std::string& text) {
+std::optional<nanoseconds> timeOfText(const std::string& text) {
   constexpr std::size_t microsecondDigits = 6;
   constexpr U32 mostNanoseconds = std::nano::den - 1;
   std::tm parts{};
@@ -118,7 +118,7 @@ std::optional<Datagram> datagramOf(std::string_view text) {
   }
   const std::optional<Endpoint> sender = endpointOf(*from);
   const std::optional<Endpoint> receiver = endpointOf(*to);
-  const std::optional<nanoseconds> time = timeOf(std::string(rest));
+  const std::optional<nanoseconds> time = timeOfText(std::string(rest));
   if (!sender.has_value() || !receiver.has_value() || !time.has_value()) {
     return std::nullopt;
   }

@@ -28,16 +28,16 @@ using Zonet::IpGenPrefix;
 
 namespace {
 
-constexpr std::string_view whiteSpace = " \t\v\f\r";
+constexpr std::string_view lineSpace = " \t\v\f\r";
 
 std::string_view withoutLeadingSpace(std::string_view text) {
-  text.remove_prefix(std::min(text.find_first_not_of(whiteSpace), text.size()));
+  text.remove_prefix(std::min(text.find_first_not_of(lineSpace), text.size()));
   return text;
 }
 
 /// Takes all up to the next white space off the front of a text.
 std::string_view takeWord(std::string_view& text) {
-  const std::string_view word = text.substr(0, text.find_first_of(whiteSpace));
+  const std::string_view word = text.substr(0, text.find_first_of(lineSpace));
   text.remove_prefix(word.size());
   return word;
 }
