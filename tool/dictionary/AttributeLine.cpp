@@ -12,7 +12,6 @@ using Verda::U8;
 
 namespace {
 
-constexpr std::size_t nameWord = 1;
 constexpr std::size_t codeWord = 2;
 constexpr std::size_t typeWord = 3;
 constexpr std::size_t flagsWord = 4;

@@ -33,6 +33,9 @@ struct FlagRule {
   bool standardOnly;
 };
 
+/// Which word of a line is the name, for all kinds that have one.
+inline constexpr std::size_t nameWord = 1;
+
 inline constexpr std::size_t anyCount = std::numeric_limits<std::size_t>::max();
 
 /// The grammar: every kind of line.

@@ -9,12 +9,6 @@
 #include "tool/text/Suggestion.h"
 
 namespace RadiusPacketTool {
-namespace {
-
-constexpr std::size_t nameWord = 1;
-
-}  // namespace
-
 void VendorBlock::read(const DictionaryWords& words, std::size_t line) {
   problems_.lineIs(line);
   const LineRule* rule = lineRuleFind(words.keyword());

@@ -13,7 +13,6 @@ using Verda::U32;
 
 namespace {
 
-constexpr std::size_t nameWord = 1;
 constexpr std::size_t idWord = 2;
 
 }  // namespace
