@@ -120,10 +120,22 @@ std::vector<std::unique_ptr<Command>> newCommands(CLI::App& program) {
   return commands;
 }
 
+constexpr const char* programFooter =
+    R"(Examples:
+  radius-packet decode -s secret.txt request.hex answer.hex     what an exchange says
+  radius-packet explain --secrets clients.txt radius.pcapng     why packets of a capture are refused
+  radius-packet inspect packet.bin                              every field, without a secret
+  radius-packet verify -s secret.txt radius.pcap                check by check
+  radius-packet dictionary show User-Name                       an attribute of the dictionary
+
+radius-packet COMMAND --help tells the options and more examples.)";
+
 ExitCode run(std::span<const char* const> arguments) {
-  CLI::App program("Decodes, builds and edits RADIUS packets, and says what is wrong with them.",
-                   "radius-packet");
+  CLI::App program(
+      "Says what RADIUS packets hold and why they are refused, and builds and edits them.",
+      "radius-packet");
   program.set_version_flag("--version", "radius-packet " PROGRAM_VERSION);
+  program.footer(programFooter);
   program.require_subcommand(1);
   program.failure_message(CLI::FailureMessage::simple);
   const std::vector<std::unique_ptr<Command>> commands = newCommands(program);

@@ -5,12 +5,21 @@
 
 namespace RadiusPacketTool {
 
+namespace {
+
+/// A prefix as an operator writes it: of one address, without its length.
+std::string clientsText(const Zonet::IpGenPrefix& clients) {
+  const bool isOneAddress = clients == Zonet::IpGenPrefix(clients.address());
+  return std::string(isOneAddress ? clients.address().text().view() : clients.text().view());
+}
+
+}  // namespace
+
 std::vector<NamedSecret> namedSecrets(const Secrets& secrets) {
   std::vector<NamedSecret> named;
   for (const KnownSecret& known : secrets.all()) {
     if (known.clients.has_value()) {
-      named.push_back(
-          {.client = std::string(known.clients->text().view()), .secret = known.secret});
+      named.push_back({.client = clientsText(*known.clients), .secret = known.secret});
     }
   }
   return named;
