@@ -104,6 +104,12 @@ ExitCode endOfParsing(const CLI::App& program, const CLI::ParseError& end) {
   return ExitCode::success;
 }
 
+constexpr const char* dictionaryFooter =
+    R"(Examples:
+  radius-packet dictionary check acme/dictionary      all that is wrong with it
+  radius-packet dictionary show Framed-IP-Address     one attribute, by its name or number
+  radius-packet dictionary list --vendor Microsoft    all of a vendor)";
+
 /// All commands, in the order in which the program's help has them.
 std::vector<std::unique_ptr<Command>> newCommands(CLI::App& program) {
   std::vector<std::unique_ptr<Command>> commands;
@@ -113,7 +119,8 @@ std::vector<std::unique_ptr<Command>> newCommands(CLI::App& program) {
   commands.push_back(std::make_unique<VerifyCommand>(program));
   commands.push_back(std::make_unique<BuildCommand>(program));
   commands.push_back(std::make_unique<EditCommand>(program));
-  CLI::App& dictionary = addCommandGroup(program, "dictionary", "Looks into dictionaries");
+  CLI::App& dictionary =
+      addCommandGroup(program, "dictionary", "Looks into dictionaries", dictionaryFooter);
   commands.push_back(std::make_unique<DictionaryCheckCommand>(dictionary));
   commands.push_back(std::make_unique<DictionaryShowCommand>(dictionary));
   commands.push_back(std::make_unique<DictionaryListCommand>(dictionary));

@@ -1,5 +1,7 @@
 #include "Verda/Escape.h"
 
+#include <algorithm>
+#include <array>
 #include <charconv>
 #include <cstddef>
 #include <iterator>
@@ -56,10 +58,19 @@ std::size_t utf8Length(std::string_view text) {
   return length;
 }
 
+/// Whether the character turns the direction of what stands behind it, so that a line reads as what
+/// it is not.
+bool turnsDirection(std::string_view character) {
+  constexpr std::array<std::string_view, 12> turning{"\u061c", "\u200e", "\u200f", "\u202a",
+                                                     "\u202b", "\u202c", "\u202d", "\u202e",
+                                                     "\u2066", "\u2067", "\u2068", "\u2069"};
+  return character.size() > 1 && std::ranges::find(turning, character) != turning.end();
+}
+
 bool isControl(std::string_view character) {
   const U8 lead = byteAt(character, 0);
   const bool isC1 = character.size() == 2 && lead == 0xC2 && byteAt(character, 1) < 0xA0;
-  return lead < 0x20 || lead == 0x7F || isC1;
+  return lead < 0x20 || lead == 0x7F || isC1 || turnsDirection(character);
 }
 
 void escapeByteTo(std::string& out, U8 byte) {

@@ -9,8 +9,9 @@
 namespace Verda {
 
 /// Appends `text` to `out` so that it is valid UTF-8 and cannot drive a terminal: control
-/// characters (C0, DEL, C1) and bytes that are not UTF-8 become `\n`, `\t`, `\r` or `\xNN`, and
-/// each character of `alsoEscaped` gets a backslash. Everything else stays as it is.
+/// characters (C0, DEL, C1, those that turn the direction of text) and bytes that are not UTF-8
+/// become `\n`, `\t`, `\r` or `\xNN`, and each character of `alsoEscaped` gets a backslash.
+/// Everything else stays as it is.
 VERDA_EXPORT void escapeTo(std::string& out, std::string_view text,
                            std::string_view alsoEscaped = {});
 

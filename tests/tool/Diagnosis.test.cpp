@@ -168,6 +168,16 @@ ByteVector answerSignedWithItsPadding() {
   return signedAs(packet, packet);
 }
 
+/// The digest covers so many bytes, zeros behind the packet among them. The last attribute is as
+/// long as that none of its ends is where the digest's is.
+ByteVector answerSignedUpTo(std::size_t end) {
+  const ByteVector packet = unsignedPacket(
+      accessAccept, testReqAuth, joined({userName(), attributeBytes(24, {1, 2, 3, 4, 5})}));
+  ByteVector covered = packet;
+  covered.resize(end);
+  return signedAs(packet, covered);
+}
+
 /// The Length leaves the last attribute out.
 ByteVector answerOfChangedLength() {
   const ByteVector packet = PacketMaker(accessAccept).addRaw(userName()).add(24, {1, 2, 3}).make();
@@ -261,7 +271,7 @@ const char* const changedLength = "a Length field that was changed";
 const char* const otherLength = "digests over another length";
 const char* const without = "digests without the Message-Authenticator";
 const char* const addedBehind = "attributes added behind the signer";
-const char* const otherOrder = "attributes in another order";
+const char* const otherOrder = "attributes sorted, moved or exchanged";
 
 const std::string signerTakesHex =
     "The signer's secret is the bytes that the given one says in hex: give the bytes themselves "
@@ -390,6 +400,13 @@ std::vector<Case> layoutCases() {
        "The packet was signed over all 32 bytes there are: the 27 that its Length says must be "
        "signed, without padding.",
        answerSignedWithItsPadding()},
+      {"a part of the packet", otherLength,
+       "The packet was signed over 30 bytes: the 34 that its Length says must be signed.",
+       answerSignedUpTo(30)},
+      {"zeros behind the packet", otherLength,
+       "The packet was signed over 4096 bytes, zeros behind its end among them: the 34 that its "
+       "Length says must be signed.",
+       answerSignedUpTo(4096)},
       {"Length zero", otherLength, early + "0: it must be signed with its final Length, 27.",
        answerSignedWithLength(0)},
       {"Length of the header", otherLength,
@@ -426,6 +443,12 @@ std::vector<Case> layoutCases() {
       {"moved from the middle", otherOrder,
        "The packet was signed with the attribute at offset 20 (type 25) in place 3" + reordered,
        answerOf({second, third, first, fourth}, {third, first, second, fourth})},
+      {"exchanged", otherOrder,
+       "The packet was signed with the attributes at offsets 20 and 34 exchanged" + reordered,
+       answerOf({third, first, second, fourth}, {second, first, third, fourth})},
+      {"any order", otherOrder,
+       "The packet was signed with its attributes in the order 3, 1, 4, 2" + reordered,
+       answerOf({third, first, second, fourth}, {second, third, fourth, first})},
       {"moved Message-Authenticator", otherOrder,
        "The packet was signed with its attributes sorted by their type" + reordered,
        requestWithMovedMessageAuthenticator()},

@@ -133,12 +133,12 @@ TEST(JsonOutput, KeepsRevealedValuesToItselfWhereThatIsAskedFor) {
 }
 
 TEST(JsonOutput, EscapesTheLineEndsOfUnicode) {
-  constexpr const char* separators = "a\xe2\x80\xa8\xe2\x80\xa8\xe2\x80\xa9\xe2\x80\xaa";
+  constexpr const char* separators = "a\xe2\x80\xa8\xe2\x80\xa8\xe2\x80\xa9\xe2\x80\xaf";
   PacketReport report = sampleReport();
   report.reason = separators;
   report.attributes = {sampleAttribute("User-Name", ShownText{separators})};
   const std::string json = jsonOf(report);
-  EXPECT_NE(json.find("\"reason\":\"a\\u2028\\u2028\\u2029\xe2\x80\xaa\""), std::string::npos)
+  EXPECT_NE(json.find("\"reason\":\"a\\u2028\\u2028\\u2029\xe2\x80\xaf\""), std::string::npos)
       << json;
   EXPECT_EQ(json.find("\xe2\x80\xa8"), std::string::npos) << json;
   EXPECT_EQ(json.find("\xe2\x80\xa9"), std::string::npos) << json;

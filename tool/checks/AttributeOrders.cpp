@@ -18,6 +18,9 @@ namespace {
 /// How many bytes of packets are made before it is enough.
 constexpr std::size_t maxBytes = std::size_t{16} * 1024 * 1024;
 
+/// So many attributes have 720 orders.
+constexpr std::size_t mostPermuted = 6;
+
 void appendBytes(std::vector<U8>& bytes, ByteView more) {
   bytes.insert(bytes.end(), more.begin(), more.end());
 }
@@ -37,8 +40,10 @@ AttributeOrders::AttributeOrders(ByteView packet)
       places_(attributePlaces(packet)),
       messageAuthenticatorAt_(messageAuthenticatorAt(packet)),
       movable_(places_.size()),
+      permutation_(places_.size()),
       bytesLeft_(maxBytes) {
   std::iota(movable_.begin(), movable_.end(), std::size_t{0});
+  std::iota(permutation_.begin(), permutation_.end(), std::size_t{0});
   std::stable_partition(movable_.begin(), movable_.end(), [&](std::size_t index) {
     return isWholeMessageAuthenticator(places_[index]);
   });
@@ -52,8 +57,13 @@ std::optional<AttributeOrder> AttributeOrders::next() {
   if (std::optional<AttributeOrder> sorted = nextSorted()) {
     return sorted;
   }
-  const std::optional<Move> move = nextMove();
-  return move.has_value() ? std::optional(moved(*move)) : std::nullopt;
+  if (const std::optional<Move> move = nextMove()) {
+    return moved(*move);
+  }
+  if (const std::optional<Move> pair = nextExchange()) {
+    return exchanged(*pair);
+  }
+  return nextPermutation();
 }
 
 std::optional<AttributeOrder> AttributeOrders::nextSorted() {
@@ -84,6 +94,41 @@ std::optional<AttributeOrders::Move> AttributeOrders::nextMove() {
     }
   }
   return std::nullopt;
+}
+
+/// Neighbours exchange their places by a move too.
+std::optional<AttributeOrders::Move> AttributeOrders::nextExchange() {
+  const std::size_t count = places_.size();
+  while (exchangeCount_ < count * count) {
+    const Move pair{.from = exchangeCount_ / count, .to = exchangeCount_ % count};
+    ++exchangeCount_;
+    if (pair.from + 1 < pair.to) {
+      return pair;
+    }
+  }
+  return std::nullopt;
+}
+
+AttributeOrder AttributeOrders::exchanged(const Move& pair) const {
+  std::vector<AttributePlace> order = places_;
+  std::swap(order[pair.from], order[pair.to]);
+  return {.packet = packetOf(order),
+          .description = fmt::format("the attributes at offsets {} and {} exchanged",
+                                     places_[pair.from].offset, places_[pair.to].offset)};
+}
+
+std::optional<AttributeOrder> AttributeOrders::nextPermutation() {
+  if (places_.size() > mostPermuted || !std::ranges::next_permutation(permutation_).found) {
+    return std::nullopt;
+  }
+  std::vector<AttributePlace> order;
+  std::string numbers;
+  for (const std::size_t index : permutation_) {
+    order.push_back(places_[index]);
+    numbers += fmt::format("{}{}", numbers.empty() ? "" : ", ", index + 1);
+  }
+  return AttributeOrder{.packet = packetOf(order),
+                        .description = fmt::format("its attributes in the order {}", numbers)};
 }
 
 /// Turns the bytes between the two places around: there may be many moves, and many attributes that

@@ -10,14 +10,15 @@
 
 namespace RadiusPacketTool {
 
-/// A packet with its attributes in another order.
+/// A packet with its attributes sorted, moved or exchanged.
 struct AttributeOrder {
   SignedBytes packet;
   std::string description;  ///< of the order, behind "with"
 };
 
-/// The orders that the attributes of a packet may have had: sorted by type, reversed, and with one
-/// attribute at another place, the Message-Authenticator before all others. There is an end to them
+/// The orders that the attributes of a packet may have had: sorted by type, reversed, with one
+/// attribute at another place, the Message-Authenticator before all others, and with two exchanged;
+/// of a packet of few attributes all orders. There is an end to them
 /// before they have gone through too many bytes, so that a long packet of short attributes takes no
 /// longer than others.
 class AttributeOrders {
@@ -37,6 +38,9 @@ class AttributeOrders {
 
   std::optional<AttributeOrder> nextSorted();
   std::optional<Move> nextMove();
+  std::optional<Move> nextExchange();
+  std::optional<AttributeOrder> nextPermutation();
+  AttributeOrder exchanged(const Move& pair) const;
   AttributeOrder moved(const Move& move) const;
   SignedBytes packetOf(const std::vector<AttributePlace>& order) const;
 
@@ -46,6 +50,8 @@ class AttributeOrders {
   std::vector<std::size_t> movable_;  ///< indices of places, in the order in which they are moved
   std::size_t sortedCount_ = 0;
   std::size_t moveCount_ = 0;
+  std::size_t exchangeCount_ = 0;
+  std::vector<std::size_t> permutation_;  ///< of indices of places; the last one that was given
   std::size_t bytesLeft_;
 };
 

@@ -92,9 +92,35 @@ Finding earlyLengthFinding(const FailingPacket& packet) {
       *found, length);
 }
 
+/// The signer's buffer ended elsewhere: within the packet, or with zeros behind it.
+Finding otherEndFinding(const FailingPacket& packet) {
+  const std::size_t length = packet.packet().bytes.size();
+  std::size_t least = PacketConstants::headerLength();
+  if (packet.packet().messageAuthenticatorAt.has_value()) {
+    least = *packet.packet().messageAuthenticatorAt + PacketConstants::authLength();
+  }
+  SignedBytes covered = packet.packet();
+  for (std::size_t end = least; end <= PacketConstants::maxLength(); ++end) {
+    covered.bytes.assign(
+        packet.packet().bytes.begin(),
+        packet.packet().bytes.begin() + static_cast<std::ptrdiff_t>(std::min(end, length)));
+    covered.bytes.resize(end);
+    if (end != length && packet.comesRight(covered)) {
+      return fmt::format(
+          "The packet was signed over {} bytes{}: the {} that its Length says must be signed.", end,
+          end > length ? ", zeros behind its end among them" : "", length);
+    }
+  }
+  return std::nullopt;
+}
+
 Finding otherLengthsFinding(const FailingPacket& packet) {
-  const Finding padding = paddingFinding(packet);
-  return padding.has_value() ? padding : earlyLengthFinding(packet);
+  for (const auto finding : {paddingFinding, earlyLengthFinding, otherEndFinding}) {
+    if (Finding found = finding(packet)) {
+      return found;
+    }
+  }
+  return std::nullopt;
 }
 
 bool hasOneToLeaveOut(const FailingPacket& packet) {
@@ -184,7 +210,7 @@ std::span<const Hypothesis> layoutHypotheses() {
       {"digests over another length", hasLayout, otherLengthsFinding},
       {"digests without the Message-Authenticator", hasOneToLeaveOut, withoutItFinding},
       {"attributes added behind the signer", hasAttributes, addedFinding},
-      {"attributes in another order", hasAnOrder, orderFinding},
+      {"attributes sorted, moved or exchanged", hasAnOrder, orderFinding},
   });
   return hypotheses;
 }

@@ -7,8 +7,11 @@
 namespace RadiusPacketTool {
 
 /// Adds a word in front of commands of their own, such as `dictionary` in front of `check`.
-inline CLI::App& addCommandGroup(CLI::App& program, const char* name, const char* description) {
+/// @param examples  what stands at the end of its help
+inline CLI::App& addCommandGroup(CLI::App& program, const char* name, const char* description,
+                                 const char* examples) {
   CLI::App& group = *program.add_subcommand(name, description);
+  group.footer(examples);
   group.require_subcommand(1);
   return group;
 }

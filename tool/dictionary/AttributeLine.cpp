@@ -16,6 +16,9 @@ constexpr std::size_t codeWord = 2;
 constexpr std::size_t typeWord = 3;
 constexpr std::size_t flagsWord = 4;
 
+/// As digits: none, and those that the library has.
+constexpr std::string_view hidingMethods = "012";
+
 bool isDigit(char c) {
   return c >= '0' && c <= '9';
 }
@@ -48,6 +51,10 @@ void checkFlag(const DictionaryWord& flag, bool isStandard, FileProblems& proble
     problems.error(flag.column + rule->name.size(),
                    fmt::format("behind {} stands one digit, not {}", rule->name,
                                quotedWord(flag.text.substr(rule->name.size()))));
+  } else if (rule->hasDigit && hidingMethods.find(flag.text.back()) == std::string_view::npos) {
+    problems.warning(
+        flag.column + rule->name.size(),
+        fmt::format("{}{} hides nothing: there are methods 1 and 2", rule->name, flag.text.back()));
   }
 }
 
