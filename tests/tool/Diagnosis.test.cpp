@@ -670,5 +670,25 @@ TEST(Diagnosis, NeverRepeatsASecret) {
   }
 }
 
+TEST(Diagnosis, WhereverTheMessageAuthenticatorStandsNothingOutsideThePacketIsTouched) {
+  const std::vector<ByteVector> packets{
+      PacketMaker(accessAccept).secretIs("unknown").addMessageAuthenticator().make(),
+      PacketMaker(accessAccept)
+          .secretIs("unknown")
+          .addMessageAuthenticator()
+          .addRaw(userName())
+          .make(),
+      PacketMaker(accessAccept)
+          .secretIs("unknown")
+          .addRaw(userName())
+          .addMessageAuthenticator()
+          .make()};
+  for (const ByteVector& packet : packets) {
+    const Diagnosis diagnosis = Known({"", "", "", packet}).diagnosis();
+    EXPECT_EQ(diagnosis.finding, std::nullopt);
+    EXPECT_FALSE(diagnosis.ruledOut.empty());
+  }
+}
+
 }  // namespace
 }  // namespace RadiusPacketTool

@@ -87,10 +87,33 @@ TEST(Fragments, SameFragmentOnceMoreChangesNothing) {
 
 TEST(Fragments, IdentificationIsFreeOnceTheDatagramIsWhole) {
   Feeder feeder;
-  for (int round = 0; round < 2; ++round) {
-    EXPECT_FALSE(feeder.take({0, 8, false}).has_value());
-    EXPECT_TRUE(feeder.take({8, 8, true}).has_value());
+  EXPECT_FALSE(feeder.take({0, 8, false}).has_value());
+  EXPECT_TRUE(feeder.take({8, 8, true}).has_value());
+  EXPECT_FALSE(feeder.take({0, 16, false}).has_value());
+  EXPECT_TRUE(feeder.take({16, 8, true}).has_value());
+}
+
+TEST(Fragments, FragmentOfAWholeDatagramOnceMoreChangesNothing) {
+  Feeder feeder;
+  feeder.take({0, 8, false});
+  EXPECT_TRUE(feeder.take({8, 8, true}).has_value());
+  EXPECT_FALSE(feeder.take({8, 8, true}).has_value());
+  EXPECT_FALSE(feeder.take({0, 8, false}).has_value());
+  EXPECT_EQ(feeder.incomplete(), 0U);
+  EXPECT_FALSE(feeder.take({0, 16, false}).has_value());
+  EXPECT_TRUE(feeder.take({16, 8, true}).has_value());
+  EXPECT_EQ(feeder.incomplete(), 0U);
+}
+
+TEST(Fragments, WholeDatagramsAreForgottenFirst) {
+  constexpr U32 many = 10000;
+  Feeder feeder;
+  feeder.take({0, 8, false}, many);
+  for (U32 id = 0; id < many; ++id) {
+    feeder.take({0, 800, false}, id);
+    EXPECT_TRUE(feeder.take({800, 8, true}, id).has_value());
   }
+  EXPECT_TRUE(feeder.take({8, 8, true}, many).has_value());
 }
 
 struct SpoilingRow {

@@ -318,5 +318,23 @@ class Usage(unittest.TestCase):
         self.assertIn("\nExamples:\n  radius-packet inspect packet.bin ", result.text)
 
 
+class Secrets(unittest.TestCase):
+    def test_of_other_clients_give_no_verdict_on_a_packet(self):
+        """As `decode` does: a packet whose client has no secret is not good."""
+        capture = DATA / "captures" / "synthetic" / "two-clients.pcap"
+        with tempfile.TemporaryDirectory() as folder:
+            clients = pathlib.Path(folder) / "clients"
+            clients.write_text("203.0.113.9 another\n")
+            results = [run(command, "--json", "--secrets", clients, capture)
+                       for command in ("decode", "inspect")]
+        for result in results:
+            self.assertEqual(result.status, 1)
+        decoded, inspected = (result.objects for result in results)
+        self.assertEqual(inspected[-1], decoded[-1])
+        self.assertEqual(inspected[-1]["refused"], {"noSharedSecret": len(inspected) - 1})
+        for one, other in zip(decoded[:-1], inspected[:-1]):
+            self.assertEqual(other["checks"]["reason"], one["reason"])
+
+
 if __name__ == "__main__":
     unittest.main(argv=sys.argv[:1])

@@ -53,13 +53,17 @@ bool contradicts(const std::optional<std::size_t>& length, const Pieces& pieces,
 
 std::optional<WholePayload> Fragments::take(const IpPacket& packet, nanoseconds time) {
   forgetOld(time);
-  const Place place = placeOf(packet, time);
-  Datagram& datagram = *place;
   const auto [id, offset, isLast] = *packet.fragment;
   const std::size_t size = packet.payload.size();
-  if (datagram.isSpoiled || isThere(datagram.pieces, offset, packet.payload)) {
+  Place place = placeOf(packet, time);
+  if (place->isSpoiled || isThere(place->pieces, offset, packet.payload)) {
     return std::nullopt;
   }
+  if (place->isWhole) {  // its identification is used again
+    forget(place);
+    place = placeOf(packet, time);
+  }
+  Datagram& datagram = *place;
   const std::size_t end = offset + size;
   if (size == 0 || end > greatestPayload || (!isLast && size % offsetUnit != 0) ||
       overlaps(datagram.pieces, offset, size) ||
@@ -82,11 +86,18 @@ std::optional<WholePayload> Fragments::take(const IpPacket& packet, nanoseconds 
     makeRoom();
     return std::nullopt;
   }
-  WholePayload whole{.protocol = datagram.protocol, .bytes = {}, .frames = datagram.frames};
-  for (const auto& [pieceOffset, bytes] : datagram.pieces) {
+  return finish(place);
+}
+
+/// Gives the payload, and keeps the pieces: another one may come once more.
+WholePayload Fragments::finish(Place place) {
+  WholePayload whole{.protocol = place->protocol, .bytes = {}, .frames = place->frames};
+  for (const auto& [offset, bytes] : place->pieces) {
     whole.bytes.insert(whole.bytes.end(), bytes.begin(), bytes.end());
   }
-  forget(place);
+  place->isWhole = true;
+  whole_.splice(whole_.end(), datagrams_, place);
+  makeRoom();
   return whole;
 }
 
@@ -139,10 +150,13 @@ void Fragments::spoil(Datagram& datagram) {
 void Fragments::forget(Place place) {
   held_ -= weightOf(*place);
   places_.erase(place->key);
-  datagrams_.erase(place);
+  (place->isWhole ? whole_ : datagrams_).erase(place);
 }
 
 void Fragments::forgetOld(nanoseconds now) {
+  while (!whole_.empty() && now - whole_.front().since > longestWait) {
+    forget(whole_.begin());
+  }
   while (!datagrams_.empty() && now - datagrams_.front().since > longestWait) {
     dropped_ += datagrams_.front().isSpoiled ? 0 : 1;
     forget(datagrams_.begin());
@@ -150,6 +164,9 @@ void Fragments::forgetOld(nanoseconds now) {
 }
 
 void Fragments::makeRoom() {
+  while (held_ > mostHeld && !whole_.empty()) {
+    forget(whole_.begin());
+  }
   while (held_ > mostHeld && datagrams_.size() > 1) {
     dropped_ += datagrams_.front().isSpoiled ? 0 : 1;
     forget(datagrams_.begin());

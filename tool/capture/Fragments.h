@@ -24,7 +24,8 @@ struct WholePayload {
 /// Puts fragmented datagrams together, whatever order their fragments come in. A datagram is
 /// dropped when its fragments overlap (RFC 5722), reach behind the greatest datagram or contradict
 /// each other about its end; when one of them is missing for too long (RFC 8200 section 4.5); and,
-/// the oldest first, when too much is held. The same fragment once more changes nothing.
+/// the oldest first, when too much is held. The same fragment once more changes nothing, also when
+/// the datagram is whole already: that is remembered for as long as another would be waited for.
 class Fragments {
  public:
   /// How long a datagram may take.
@@ -52,6 +53,7 @@ class Fragments {
     std::optional<std::size_t> length;                    ///< once the last piece is there
     std::size_t frames = 0;
     bool isSpoiled = false;  ///< what still comes of it is dropped too
+    bool isWhole = false;    ///< and was given
   };
   using Place = std::list<Datagram>::iterator;
 
@@ -59,11 +61,13 @@ class Fragments {
   static std::size_t weightOf(const Datagram& datagram);
   Place placeOf(const IpPacket& packet, std::chrono::nanoseconds time);
   void spoil(Datagram& datagram);
+  WholePayload finish(Place place);
   void forget(Place place);
   void forgetOld(std::chrono::nanoseconds now);
   void makeRoom();
 
   std::list<Datagram> datagrams_;  ///< in the order of their first fragments
+  std::list<Datagram> whole_;      ///< which only their own fragments may still come of
   std::map<Key, Place> places_;
   std::size_t held_ = 0;
   std::size_t dropped_ = 0;

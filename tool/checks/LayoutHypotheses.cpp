@@ -92,20 +92,36 @@ Finding earlyLengthFinding(const FailingPacket& packet) {
       *found, length);
 }
 
-/// The signer's buffer ended elsewhere: within the packet, or with zeros behind it.
+/// Where a signer's buffer may have ended instead of at the packet's end: near it, or at that of
+/// the greatest packet. A Message-Authenticator is whole in each.
+std::vector<std::size_t> otherEnds(const FailingPacket& packet) {
+  constexpr std::size_t farthest = 64;
+  const SignedBytes& made = packet.packet();
+  const std::size_t length = made.bytes.size();
+  const std::size_t least = made.messageAuthenticatorAt.has_value()
+                                ? *made.messageAuthenticatorAt + messageAuthenticatorLength
+                                : PacketConstants::headerLength();
+  std::vector<std::size_t> ends;
+  for (std::size_t distance = 1; distance <= farthest; ++distance) {
+    if (length >= least + distance) {
+      ends.push_back(length - distance);
+    }
+    if (length + distance < PacketConstants::maxLength()) {
+      ends.push_back(length + distance);
+    }
+  }
+  if (length < PacketConstants::maxLength()) {
+    ends.push_back(PacketConstants::maxLength());
+  }
+  return ends;
+}
+
 Finding otherEndFinding(const FailingPacket& packet) {
   const std::size_t length = packet.packet().bytes.size();
-  std::size_t least = PacketConstants::headerLength();
-  if (packet.packet().messageAuthenticatorAt.has_value()) {
-    least = *packet.packet().messageAuthenticatorAt + PacketConstants::authLength();
-  }
-  SignedBytes covered = packet.packet();
-  for (std::size_t end = least; end <= PacketConstants::maxLength(); ++end) {
-    covered.bytes.assign(
-        packet.packet().bytes.begin(),
-        packet.packet().bytes.begin() + static_cast<std::ptrdiff_t>(std::min(end, length)));
+  for (const std::size_t end : otherEnds(packet)) {
+    SignedBytes covered = packet.packet();
     covered.bytes.resize(end);
-    if (end != length && packet.comesRight(covered)) {
+    if (packet.comesRight(covered)) {
       return fmt::format(
           "The packet was signed over {} bytes{}: the {} that its Length says must be signed.", end,
           end > length ? ", zeros behind its end among them" : "", length);

@@ -81,6 +81,9 @@ std::optional<PacketDigest> computedAuthenticator(ByteView packet, ByteView cove
 std::optional<PacketDigest> computedMessageAuthenticator(ByteView packet, std::size_t at,
                                                          ByteView cover, ByteView secret,
                                                          ByteView field) {
+  if (at + AttributeConstants::valueOffset() + field.size() > packet.size()) {
+    return std::nullopt;
+  }
   std::vector<U8> covered(packet.begin(), packet.end());
   put(covered, at + AttributeConstants::valueOffset(), field);
   return computedMessageAuthenticator(covered, cover, secret);

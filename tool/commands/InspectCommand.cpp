@@ -52,10 +52,14 @@ ExitCode InspectCommand::run() {
   const OutputOptions options{.redact = redact_.redacts()};
   OpenedInput input(packets_);
   const PacketDecoder decoder(input.dictionary());
+  const bool hasSecrets = !input.secrets().all().empty();
   ExitCode exitCode = ExitCode::success;
   bool isFirst = true;
   const auto inspect = [&](const InputPacket& packet, const PacketContext& context, auto&) {
-    const Inspection inspection = inspected(packet, context, input.dictionary(), decoder);
+    Inspection inspection = inspected(packet, context, input.dictionary(), decoder);
+    if (context.secret == nullptr && hasSecrets) {  // those of other clients
+      inspection.report = reportOf(decoder, packet, context);
+    }
     if (json_) {
       writeOutput(jsonOf(inspection, options));
     } else {
